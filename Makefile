@@ -1,0 +1,58 @@
+# Thin wrapper over the CMake presets. `make demo` and `make test` install
+# what is missing (scripts/install-deps.sh), configure, build and run.
+.PHONY: all deps demo test test-native test-sanitize test-windows fuzz bench install clean
+
+FUZZ_SECONDS ?= 20
+PREFIX ?= /usr/local
+
+all: deps
+	cmake --preset native
+	cmake --build --preset native
+
+deps:
+	@bash scripts/install-deps.sh
+
+demo: deps
+	cmake --preset native >/dev/null
+	cmake --build --preset native --target vkpch
+	@echo "== vkpch version"
+	@build/native/bin/vkpch version
+	@echo "== vkpch find the data/sample.txt"
+	@build/native/bin/vkpch find the data/sample.txt | tr '\n' ' '; echo
+	@echo "== vkpch find --rev keeper data/sample.txt"
+	@build/native/bin/vkpch find --rev keeper data/sample.txt
+
+test: deps test-native test-sanitize test-windows
+	@echo "make test: native, sanitizer and Windows suites passed"
+
+test-native:
+	cmake --preset native
+	cmake --build --preset native
+	ctest --preset native
+
+test-sanitize:
+	cmake --preset sanitize
+	cmake --build --preset sanitize
+	ctest --preset sanitize
+	$(MAKE) fuzz
+
+test-windows:
+	cmake --preset mingw
+	cmake --build --preset mingw
+	bash scripts/wine-init.sh
+	ctest --preset mingw
+
+# Short fuzz runs; FUZZ_SECONDS=600 make fuzz runs each target longer.
+fuzz:
+	bash scripts/run-fuzzers.sh build/sanitize/bin $(FUZZ_SECONDS)
+
+bench: deps
+	cmake --preset native
+	cmake --build --preset native --target vkpch_bench
+	build/native/bin/vkpch_bench
+
+install: all
+	cmake --install build/native --prefix $(PREFIX)
+
+clean:
+	rm -rf build

@@ -1,0 +1,17 @@
+// Benchmark inputs: English text built from the bundled sample by a seeded
+// shuffle of its words, and needles that do not occur in it.
+#pragma once
+
+#include <string>
+
+namespace vkpbench {
+
+// At least `bytes` bytes of English words in a seeded random order.
+std::string EnglishText(size_t bytes);
+
+// A needle of `len` bytes taken from the text with its last byte changed so
+// that it does not occur: the search scans the whole text, and its first
+// and last bytes are as common as the text's letters.
+std::string AbsentNeedle(const std::string& text, size_t len, unsigned seed);
+
+}  // namespace vkpbench

@@ -1,0 +1,60 @@
+#include "ratio_table.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <vector>
+
+namespace vkpbench {
+namespace {
+
+struct Row {
+    std::string row, ours, peer;
+};
+
+std::vector<Row>& Rows() {
+    static std::vector<Row> rows;
+    return rows;
+}
+
+// Console output as usual, and the throughput of every run kept by name.
+class CollectingReporter : public benchmark::ConsoleReporter {
+public:
+    std::map<std::string, double> rate;
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& r : runs) {
+            auto it = r.counters.find("bytes_per_second");
+            if (it == r.counters.end()) it = r.counters.find("items_per_second");
+            if (it != r.counters.end() && r.run_type == Run::RT_Iteration) rate[r.benchmark_name()] = it->second;
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+};
+
+}  // namespace
+
+void AddRatio(const std::string& row, const std::string& ours, const std::string& peer) {
+    Rows().push_back({row, ours, peer});
+}
+
+int RunAndSummarize(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    CollectingReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\n%-44s %12s %12s %8s\n", "comparison (ours vs peer)", "ours MB/s", "peer MB/s", "ratio");
+    for (const Row& r : Rows()) {
+        auto a = reporter.rate.find(r.ours), b = reporter.rate.find(r.peer);
+        if (a == reporter.rate.end() || b == reporter.rate.end()) continue;  // filtered out
+        std::printf("%-44s %12.0f %12.0f %8.2f\n", r.row.c_str(), a->second / 1e6, b->second / 1e6,
+                    a->second / b->second);
+    }
+    benchmark::Shutdown();
+    return 0;
+}
+
+}  // namespace vkpbench
+
+int main(int argc, char** argv) { return vkpbench::RunAndSummarize(argc, argv); }

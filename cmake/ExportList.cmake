@@ -1,0 +1,27 @@
+# Reads the export list (src/frame/export_list.inc) and writes the Windows
+# .def file and the Linux version script from it, so that one list decides
+# what the library exports.
+function(vkpch_read_export_names out_var)
+  file(STRINGS ${VKPCH_EXPORT_LIST} lines REGEX "^VKP_EXPORT(_VARIANTS)?\\(")
+  set(names)
+  foreach(line IN LISTS lines)
+    if(line MATCHES "^VKP_EXPORT(_VARIANTS)?\\([^,]+, *([A-Za-z0-9_]+),")
+      list(APPEND names ${CMAKE_MATCH_2})
+    endif()
+  endforeach()
+  set(${out_var} ${names} PARENT_SCOPE)
+endfunction()
+
+function(vkpch_write_export_files def_file map_file dll_name)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${VKPCH_EXPORT_LIST})
+  vkpch_read_export_names(names)
+  set(def "LIBRARY ${dll_name}\nEXPORTS\n")
+  set(map "{\n  global:\n")
+  foreach(n IN LISTS names)
+    string(APPEND def "  ${n}\n")
+    string(APPEND map "    ${n};\n")
+  endforeach()
+  string(APPEND map "  local:\n    *;\n};\n")
+  file(CONFIGURE OUTPUT ${def_file} CONTENT "${def}")
+  file(CONFIGURE OUTPUT ${map_file} CONTENT "${map}")
+endfunction()

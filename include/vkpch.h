@@ -1,0 +1,110 @@
+/* vkpch: string primitives with a C ABI.
+ *
+ * Strings are a pointer plus a signed 32-bit length in code units; only the
+ * _Z functions take zero-terminated strings. Every function returns a
+ * vkpStatus: 0 is success, negative values are errors (nothing was written),
+ * positive values are warnings. Arguments are checked before any data is
+ * touched: null pointers first (VKP_ERR_NULL), then counts (VKP_ERR_SIZE),
+ * then negative lengths and ranges (VKP_ERR_LENGTH).
+ *
+ * The library owns no buffers, allocates nothing (except the InitAlloc
+ * functions) and keeps no state beyond the processor variant chosen when it
+ * is loaded. All functions are reentrant on distinct data.
+ */
+#ifndef VKPCH_H
+#define VKPCH_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(VKPCH_BUILDING)
+#  if defined(_WIN32)
+#    define VKPCH_API
+#  else
+#    define VKPCH_API __attribute__((visibility("default")))
+#  endif
+#elif defined(_WIN32) && !defined(VKPCH_STATIC)
+#  define VKPCH_API __declspec(dllimport)
+#else
+#  define VKPCH_API
+#endif
+
+typedef unsigned char  vkp8u;   /* byte code unit */
+typedef unsigned short vkp16u;  /* UTF-16 code unit */
+typedef unsigned int   vkp32u;  /* 32-bit value (hashes, code points) */
+typedef int            vkpStatus;
+
+/* Result codes. */
+enum vkpStatusCode {
+    VKP_OK                  = 0,    /* success; also a search that finds nothing */
+    VKP_WARN_FEW_RECORDS    = 12,   /* match found, result array shorter than the group count */
+    VKP_WARN_SLOTS_FULL     = 26,   /* all output slots used, source text remains */
+    VKP_WARN_PIECE_CUT      = 27,   /* a piece longer than its slot was cut */
+    VKP_ERR_NO_SUCH_ID      = -2,   /* no slot holds that pattern identifier */
+    VKP_ERR_ZERO_ID         = -5,   /* pattern identifier 0 */
+    VKP_ERR_SIZE            = -6,   /* a count or size below 1 */
+    VKP_ERR_FORMAT          = -7,   /* format value other than 0 or 1 */
+    VKP_ERR_NULL            = -8,   /* null pointer argument; allocation failure */
+    VKP_ERR_SET_FULL        = -9,   /* the pattern set is full */
+    VKP_ERR_LENGTH          = -119, /* negative length, index or range outside the string */
+    VKP_ERR_PROPERTY        = -183, /* bad \p or \P property name, or \x{ without } */
+    VKP_ERR_CLASS           = -184, /* character-class error */
+    VKP_ERR_GROUP_NUMBER    = -185, /* bad group number */
+    VKP_ERR_PARENTHESIS     = -186, /* parenthesis or group error */
+    VKP_ERR_QUANTIFIER      = -187, /* quantifier error */
+    VKP_ERR_MATCH_LIMIT     = -188, /* no match, and the match budget ran out */
+    VKP_ERR_NOT_COMPILED    = -189, /* the block is not a compiled pattern */
+    VKP_ERR_OPTION          = -190  /* unknown letter in the options string */
+};
+
+/* ---------------------------------------------------------------------------
+ * Version query
+ * ------------------------------------------------------------------------- */
+
+/* A constant record owned by the library; never free it. */
+typedef struct vkpLibraryVersion {
+    int         major;       /* 8 */
+    int         minor;       /* 2 */
+    int         majorBuild;  /* 3 */
+    int         build;       /* revision */
+    char        cpuTag[4];   /* processor variant tag, zero-padded: "u8" or "n8" */
+    const char* name;        /* "vkpCH SSSE3 (u8)" or "vkpCH Atom (n8)" */
+    const char* version;     /* "8.2.3 (r48108)" */
+    const char* buildDate;
+} vkpLibraryVersion;
+
+/* The record of the processor variant chosen when the library was loaded.
+ * Never null. */
+VKPCH_API const vkpLibraryVersion* vkpchGetLibVersion(void);
+
+/* ---------------------------------------------------------------------------
+ * Substring and character search
+ *
+ * On success *pIndex is the zero-based position of the occurrence, or -1 when
+ * there is none (not an error). An empty needle is reported as absent (-1).
+ * Find returns the leftmost occurrence, FindRev the rightmost one.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsFind_8u(const vkp8u* pSrc, int len, const vkp8u* pFind, int lenFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFind_16u(const vkp16u* pSrc, int len, const vkp16u* pFind, int lenFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRev_8u(const vkp8u* pSrc, int len, const vkp8u* pFind, int lenFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRev_16u(const vkp16u* pSrc, int len, const vkp16u* pFind, int lenFind, int* pIndex);
+
+VKPCH_API vkpStatus vkpsFindC_8u(const vkp8u* pSrc, int len, vkp8u valFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindC_16u(const vkp16u* pSrc, int len, vkp16u valFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevC_8u(const vkp8u* pSrc, int len, vkp8u valFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevC_16u(const vkp16u* pSrc, int len, vkp16u valFind, int* pIndex);
+
+/* Zero-terminated forms: lengths are measured up to the first zero unit.
+ * FindC_Z with valFind 0 reports the position of the terminator. */
+VKPCH_API vkpStatus vkpsFind_Z_8u(const vkp8u* pSrcZ, const vkp8u* pFindZ, int* pIndex);
+VKPCH_API vkpStatus vkpsFind_Z_16u(const vkp16u* pSrcZ, const vkp16u* pFindZ, int* pIndex);
+VKPCH_API vkpStatus vkpsFindC_Z_8u(const vkp8u* pSrcZ, vkp8u valFind, int* pIndex);
+VKPCH_API vkpStatus vkpsFindC_Z_16u(const vkp16u* pSrcZ, vkp16u valFind, int* pIndex);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VKPCH_H */

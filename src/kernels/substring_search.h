@@ -1,0 +1,132 @@
+// Substring search, forward and backward, without needle preprocessing.
+//
+// Each 16-byte step tests a block of candidate positions at once: it compares
+// the units at those positions with the needle's first unit and the units
+// m - 1 further on with its last unit, and verifies the middle only where
+// both agree. The final partial block is taken flush with the last candidate
+// position, with the positions already tested masked off, so that no load
+// reaches past the string. Strings too short for one block are scanned unit
+// by unit with the same first/last filter.
+#pragma once
+
+#include "kernels/simd_units.h"
+#include "kernels/unit_search.h"
+
+namespace vkp::kernels {
+
+// True when the n bytes at a and b are equal.
+VKP_INLINE bool EqualBytes(const char* a, const char* b, size_t n) {
+    while (n >= 16) {
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(LoadU(a), LoadU(b))) != 0xFFFF) return false;
+        a += 16, b += 16, n -= 16;
+    }
+    if (n >= 8) {
+        uint64_t x, y, x2, y2;
+        __builtin_memcpy(&x, a, 8), __builtin_memcpy(&y, b, 8);
+        __builtin_memcpy(&x2, a + n - 8, 8), __builtin_memcpy(&y2, b + n - 8, 8);
+        return ((x ^ y) | (x2 ^ y2)) == 0;
+    }
+    if (n >= 4) {
+        uint32_t x, y, x2, y2;
+        __builtin_memcpy(&x, a, 4), __builtin_memcpy(&y, b, 4);
+        __builtin_memcpy(&x2, a + n - 4, 4), __builtin_memcpy(&y2, b + n - 4, 4);
+        return ((x ^ y) | (x2 ^ y2)) == 0;
+    }
+    for (size_t i = 0; i < n; ++i)
+        if (a[i] != b[i]) return false;
+    return true;
+}
+
+template <class T>
+VKP_INLINE bool EqualUnits(const T* a, const T* b, int n) {
+    return EqualBytes(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b), size_t(n) * sizeof(T));
+}
+
+namespace detail {
+
+// Candidate positions j .. j + kPerVector - 1 whose first and last units match.
+template <class T>
+VKP_INLINE unsigned CandidateMask(const T* s, int j, int m, __m128i first, __m128i last) {
+    using U = Units<T>;
+    return HitMask<T>(_mm_and_si128(U::Equal(LoadU(s + j), first), U::Equal(LoadU(s + j + m - 1), last)));
+}
+
+// The first candidate in mask (block at j) whose middle matches, or -1.
+template <class T>
+VKP_INLINE int VerifyLowest(const T* s, int j, unsigned mask, const T* f, int m) {
+    while (mask) {
+        const int k = j + LowestBit(mask) / int(sizeof(T));
+        if (EqualUnits(s + k + 1, f + 1, m - 2)) return k;
+        mask &= mask - 1;
+    }
+    return -1;
+}
+
+// The last candidate in mask (block at j) whose middle matches, or -1.
+template <class T>
+VKP_INLINE int VerifyHighest(const T* s, int j, unsigned mask, const T* f, int m) {
+    while (mask) {
+        const int bit = HighestBit(mask);
+        const int k = j + bit / int(sizeof(T));
+        if (EqualUnits(s + k + 1, f + 1, m - 2)) return k;
+        mask ^= 1u << bit;
+    }
+    return -1;
+}
+
+}  // namespace detail
+
+// Leftmost start of f[0, m) in s[0, len), or -1. Requires 1 <= m <= len.
+template <class T>
+int FindSubFwd(const T* s, int len, const T* f, int m) {
+    if (m == 1) return FindUnitFwd(s, len, LoadUnit(f));
+    constexpr int W = Units<T>::kPerVector;
+    const int lastPos = len - m;
+    const T f0 = LoadUnit(f), fl = LoadUnit(f + m - 1);
+    if (lastPos + 1 < W) {
+        for (int i = 0; i <= lastPos; ++i)
+            if (LoadUnit(s + i) == f0 && LoadUnit(s + i + m - 1) == fl && EqualUnits(s + i + 1, f + 1, m - 2))
+                return i;
+        return -1;
+    }
+    const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
+    int i = 0;
+    for (; i + W - 1 <= lastPos; i += W) {
+        if (unsigned mask = detail::CandidateMask(s, i, m, first, last)) {
+            const int k = detail::VerifyLowest(s, i, mask, f, m);
+            if (k >= 0) return k;
+        }
+    }
+    if (i > lastPos) return -1;
+    const int j = lastPos - W + 1;
+    const unsigned mask = detail::CandidateMask(s, j, m, first, last) & (~0u << ((i - j) * int(sizeof(T))));
+    return detail::VerifyLowest(s, j, mask, f, m);
+}
+
+// Rightmost start of f[0, m) in s[0, len), or -1. Requires 1 <= m <= len.
+template <class T>
+int FindSubRev(const T* s, int len, const T* f, int m) {
+    if (m == 1) return FindUnitRev(s, len, LoadUnit(f));
+    constexpr int W = Units<T>::kPerVector;
+    const int lastPos = len - m;
+    const T f0 = LoadUnit(f), fl = LoadUnit(f + m - 1);
+    if (lastPos + 1 < W) {
+        for (int i = lastPos; i >= 0; --i)
+            if (LoadUnit(s + i) == f0 && LoadUnit(s + i + m - 1) == fl && EqualUnits(s + i + 1, f + 1, m - 2))
+                return i;
+        return -1;
+    }
+    const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
+    int i = lastPos;  // highest candidate not yet tested
+    for (; i - W + 1 >= 0; i -= W) {
+        if (unsigned mask = detail::CandidateMask(s, i - W + 1, m, first, last)) {
+            const int k = detail::VerifyHighest(s, i - W + 1, mask, f, m);
+            if (k >= 0) return k;
+        }
+    }
+    if (i < 0) return -1;
+    const unsigned mask = detail::CandidateMask(s, 0, m, first, last) & ((1u << ((i + 1) * int(sizeof(T)))) - 1);
+    return detail::VerifyHighest(s, 0, mask, f, m);
+}
+
+}  // namespace vkp::kernels

@@ -1,0 +1,14 @@
+// Subcommands of the vkpch tool. Each returns the process exit status:
+// 0 success (something found), 1 nothing found, 2 error.
+#pragma once
+
+#include <string>
+#include <vector>
+
+using Args = std::vector<std::string>;
+
+int CmdVersion(const Args& args);
+int CmdFind(const Args& args);
+
+// Prints "vkpch: MESSAGE" to standard error and returns 2.
+int Fail(const std::string& message);
