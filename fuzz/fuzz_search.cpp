@@ -11,19 +11,23 @@
 
 namespace {
 
+// A heap copy of exactly n units (one byte for an empty string, never read).
+template <class T>
+T* ExactCopy(const uint8_t* src, size_t n) {
+    T* p = static_cast<T*>(std::malloc(n ? n * sizeof(T) : 1));
+    if (n) std::memcpy(p, src, n * sizeof(T));
+    return p;
+}
+
 template <class T>
 void Check(const uint8_t* data, size_t size) {
     if (size < 2) return;
     const size_t split = data[0] % (size - 1) + 1;  // bytes of needle
-    std::vector<T> s((size - split - 1) / sizeof(T)), f(split / sizeof(T));
-    std::memcpy(f.data(), data + 1, f.size() * sizeof(T));
-    std::memcpy(s.data(), data + 1 + split, s.size() * sizeof(T));
-    // Exact-size heap copies (a vector may have spare capacity).
-    T* hs = static_cast<T*>(std::malloc(s.size() * sizeof(T) + 1));
-    T* hf = static_cast<T*>(std::malloc(f.size() * sizeof(T) + 1));
-    std::memcpy(hs, s.data(), s.size() * sizeof(T));
-    std::memcpy(hf, f.data(), f.size() * sizeof(T));
-    const int len = int(s.size()), m = int(f.size());
+    const size_t nf = split / sizeof(T), ns = (size - split - 1) / sizeof(T);
+    T* hf = ExactCopy<T>(data + 1, nf);
+    T* hs = ExactCopy<T>(data + 1 + split, ns);
+    const std::vector<T> s(hs, hs + ns), f(hf, hf + nf);
+    const int len = int(ns), m = int(nf);
     int idx = -2;
     if (vkp::search::Find(hs, len, hf, m, &idx) != 0 || idx != vkptest::RefFind(s, f)) std::abort();
     if (vkp::search::FindRev(hs, len, hf, m, &idx) != 0 || idx != vkptest::RefFindRev(s, f)) std::abort();
