@@ -27,7 +27,10 @@ public:
         for (const Run& r : runs) {
             auto it = r.counters.find("bytes_per_second");
             if (it == r.counters.end()) it = r.counters.find("items_per_second");
-            if (it != r.counters.end() && r.run_type == Run::RT_Iteration) rate[r.benchmark_name()] = it->second;
+            if (it == r.counters.end() || r.run_type != Run::RT_Iteration) continue;
+            std::string name = r.benchmark_name();
+            name = name.substr(0, name.find("/min_time:"));
+            rate[name] = it->second;
         }
         ConsoleReporter::ReportRuns(runs);
     }

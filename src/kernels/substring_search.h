@@ -91,6 +91,14 @@ int FindSubFwd(const T* s, int len, const T* f, int m) {
     }
     const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
     int i = 0;
+    for (; i + 2 * W - 1 <= lastPos; i += 2 * W) {  // two blocks, one 32-bit mask
+        const unsigned mask = detail::CandidateMask(s, i, m, first, last) |
+                              detail::CandidateMask(s, i + W, m, first, last) << 16;
+        if (mask) {
+            const int k = detail::VerifyLowest(s, i, mask, f, m);
+            if (k >= 0) return k;
+        }
+    }
     for (; i + W - 1 <= lastPos; i += W) {
         if (unsigned mask = detail::CandidateMask(s, i, m, first, last)) {
             const int k = detail::VerifyLowest(s, i, mask, f, m);
@@ -118,6 +126,14 @@ int FindSubRev(const T* s, int len, const T* f, int m) {
     }
     const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
     int i = lastPos;  // highest candidate not yet tested
+    for (; i - 2 * W + 1 >= 0; i -= 2 * W) {  // two blocks, one 32-bit mask
+        const unsigned mask = detail::CandidateMask(s, i - 2 * W + 1, m, first, last) |
+                              detail::CandidateMask(s, i - W + 1, m, first, last) << 16;
+        if (mask) {
+            const int k = detail::VerifyHighest(s, i - 2 * W + 1, mask, f, m);
+            if (k >= 0) return k;
+        }
+    }
     for (; i - W + 1 >= 0; i -= W) {
         if (unsigned mask = detail::CandidateMask(s, i - W + 1, m, first, last)) {
             const int k = detail::VerifyHighest(s, i - W + 1, mask, f, m);

@@ -54,30 +54,28 @@ VKP_INLINE __m128i Load(const char* p) {
     else return LoadU(p);
 }
 
+// True when any unit of the n 16-byte blocks from p equals the needle.
+template <class T, bool kAligned, int kBlocks>
+VKP_INLINE bool AnyHit(const char* p, __m128i needle) {
+    __m128i acc = Units<T>::Equal(Load<T, kAligned>(p), needle);
+    for (int k = 1; k < kBlocks; ++k) acc = _mm_or_si128(acc, Units<T>::Equal(Load<T, kAligned>(p + 16 * k), needle));
+    return HitMask<T>(acc) != 0;
+}
+
 // Forward scan of [p, end) after the first block; kAligned: p is 16-aligned.
+// The wide steps only detect a hit; the 16-byte step then locates it, within
+// the group the wide step stopped at.
 template <class T, bool kAligned>
 int FindUnitFwdBlocks(const char* base, const char* p, const char* end, __m128i needle) {
-    using U = Units<T>;
-    while (end - p >= 64) {
-        const __m128i e0 = U::Equal(Load<T, kAligned>(p), needle);
-        const __m128i e1 = U::Equal(Load<T, kAligned>(p + 16), needle);
-        const __m128i e2 = U::Equal(Load<T, kAligned>(p + 32), needle);
-        const __m128i e3 = U::Equal(Load<T, kAligned>(p + 48), needle);
-        if (VKP_UNLIKELY(HitMask<T>(_mm_or_si128(_mm_or_si128(e0, e1), _mm_or_si128(e2, e3))))) {
-            if (unsigned m = HitMask<T>(e0)) return UnitIndex<T>(base, p, LowestBit(m));
-            if (unsigned m = HitMask<T>(e1)) return UnitIndex<T>(base, p + 16, LowestBit(m));
-            if (unsigned m = HitMask<T>(e2)) return UnitIndex<T>(base, p + 32, LowestBit(m));
-            return UnitIndex<T>(base, p + 48, LowestBit(HitMask<T>(e3)));
-        }
-        p += 64;
-    }
+    for (size_t n = size_t(end - p) / 128; n && !AnyHit<T, kAligned, 8>(p, needle); --n) p += 128;
+    if (end - p >= 64 && !AnyHit<T, kAligned, 4>(p, needle)) p += 64;
     while (end - p >= 16) {
-        if (unsigned m = HitMask<T>(U::Equal(Load<T, kAligned>(p), needle)))
+        if (unsigned m = HitMask<T>(Units<T>::Equal(Load<T, kAligned>(p), needle)))
             return UnitIndex<T>(base, p, LowestBit(m));
         p += 16;
     }
     if (p < end) {
-        if (unsigned m = HitMask<T>(U::Equal(LoadU(end - 16), needle)))
+        if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(end - 16), needle)))
             return UnitIndex<T>(base, end - 16, LowestBit(m));
     }
     return -1;
@@ -86,27 +84,15 @@ int FindUnitFwdBlocks(const char* base, const char* p, const char* end, __m128i 
 // Backward scan of [base, q) after the last block; kAligned: q is 16-aligned.
 template <class T, bool kAligned>
 int FindUnitRevBlocks(const char* base, const char* q, __m128i needle) {
-    using U = Units<T>;
-    while (q - base >= 64) {
-        const __m128i e3 = U::Equal(Load<T, kAligned>(q - 16), needle);
-        const __m128i e2 = U::Equal(Load<T, kAligned>(q - 32), needle);
-        const __m128i e1 = U::Equal(Load<T, kAligned>(q - 48), needle);
-        const __m128i e0 = U::Equal(Load<T, kAligned>(q - 64), needle);
-        if (VKP_UNLIKELY(HitMask<T>(_mm_or_si128(_mm_or_si128(e0, e1), _mm_or_si128(e2, e3))))) {
-            if (unsigned m = HitMask<T>(e3)) return UnitIndex<T>(base, q - 16, HighestBit(m));
-            if (unsigned m = HitMask<T>(e2)) return UnitIndex<T>(base, q - 32, HighestBit(m));
-            if (unsigned m = HitMask<T>(e1)) return UnitIndex<T>(base, q - 48, HighestBit(m));
-            return UnitIndex<T>(base, q - 64, HighestBit(HitMask<T>(e0)));
-        }
-        q -= 64;
-    }
+    for (size_t n = size_t(q - base) / 128; n && !AnyHit<T, kAligned, 8>(q - 128, needle); --n) q -= 128;
+    if (q - base >= 64 && !AnyHit<T, kAligned, 4>(q - 64, needle)) q -= 64;
     while (q - base >= 16) {
-        if (unsigned m = HitMask<T>(U::Equal(Load<T, kAligned>(q - 16), needle)))
+        if (unsigned m = HitMask<T>(Units<T>::Equal(Load<T, kAligned>(q - 16), needle)))
             return UnitIndex<T>(base, q - 16, HighestBit(m));
         q -= 16;
     }
     if (q > base) {
-        if (unsigned m = HitMask<T>(U::Equal(LoadU(base), needle)))
+        if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(base), needle)))
             return UnitIndex<T>(base, base, HighestBit(m));
     }
     return -1;
