@@ -62,16 +62,18 @@ VKP_INLINE int VerifyLowest(const T* s, int j, unsigned mask, const T* f, int m)
     return -1;
 }
 
-// The last candidate in mask (block at j) whose middle matches, or -1.
+// The last candidate in mask (block at j) whose middle matches, or -1. The
+// candidates are taken lowest first, as in the forward scan (cheaper bit
+// arithmetic), and the last match wins.
 template <class T>
 VKP_INLINE int VerifyHighest(const T* s, int j, unsigned mask, const T* f, int m) {
+    int found = -1;
     while (mask) {
-        const int bit = HighestBit(mask);
-        const int k = j + bit / int(sizeof(T));
-        if (EqualUnits(s + k + 1, f + 1, m - 2)) return k;
-        mask ^= 1u << bit;
+        const int k = j + LowestBit(mask) / int(sizeof(T));
+        if (EqualUnits(s + k + 1, f + 1, m - 2)) found = k;
+        mask &= mask - 1;
     }
-    return -1;
+    return found;
 }
 
 }  // namespace detail
