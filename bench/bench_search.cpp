@@ -56,6 +56,7 @@ void RegisterCharSearch() {
         Register(Name("FindRevC_16u", "icu_u_memrchr", n), 2 * n, [=] { return u_memrchr(t16, u'#', n); });
         AddRatio(Name("FindC_8u / memchr", "", n), Name("FindC_8u", "vkp", n), Name("FindC_8u", "memchr", n));
         AddRatio(Name("FindRevC_8u / memrchr", "", n), Name("FindRevC_8u", "vkp", n), Name("FindRevC_8u", "memrchr", n));
+        AddRatio(Name("FindRevC_8u / FindC_8u", "", n), Name("FindRevC_8u", "vkp", n), Name("FindC_8u", "vkp", n));
         AddRatio(Name("FindC_16u / u_memchr", "", n), Name("FindC_16u", "vkp", n), Name("FindC_16u", "icu_u_memchr", n));
         AddRatio(Name("FindRevC_16u / u_memrchr", "", n), Name("FindRevC_16u", "vkp", n),
                  Name("FindRevC_16u", "icu_u_memrchr", n));
