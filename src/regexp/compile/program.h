@@ -1,0 +1,62 @@
+// The compiled program: fixed-size 24-byte instruction records and their
+// opcodes. The compiler writes them into the pattern block; the matcher and
+// the property tests read them. Operands an opcode does not use are left
+// unwritten and must not be read.
+#pragma once
+
+#include <stddef.h>
+
+#include "frame/base.h"
+
+namespace vkp {
+
+enum Opcode : u32 {
+    OP_CHAR = 0x10000000,          // a = byte; c = option bits (literal prefix)
+    OP_STRING = 0x10000001,        // b = length; d = bytes; c = option bits
+    OP_BACKREF = 0x10000002,       // a = group number; b = 0
+    OP_CLASS = 0x10000003,         // a = 0 or -1 (negated); b = member count
+    OP_TYPE = 0x10000004,          // a = '.', 'd', 'D', 's', 'S', 'w' or 'W'
+    OP_ANCHOR = 0x10000005,        // a = '^', '$', 'A', 'B', 'G', 'Z', 'b', 'z' or 128
+    OP_ALT = 0x10000006,           // a = link value; b = option bits
+    OP_RANGE = 0x10000007,         // a = low, b = high code point
+    OP_LAZY_REPEAT = 0x10000008,   // a = minimum; b = maximum
+    OP_GREEDY_REPEAT = 0x10000009, // a = minimum; b = maximum
+    OP_LOOKBEHIND = 0x1000000a,    // a = link; b = body count; c = body length
+    OP_NLOOKBEHIND = 0x1000000b,   // as OP_LOOKBEHIND
+    OP_LOOKAHEAD = 0x1000000c,     // a = link; b = body count
+    OP_NLOOKAHEAD = 0x1000000d,    // as OP_LOOKAHEAD
+    OP_FLAGGROUP = 0x1000000e,     // a = link; b = body count; c = option bits
+    OP_COND = 0x1000000f,          // a = link; b = body count
+    OP_CAPTURE = 0x10000010,       // a = link; b = body count; c = capture number
+    OP_GROUP = 0x10000011,         // a = link; b = body count
+    OP_ATOMIC = 0x10000012,        // a = link (negative); b = body count
+    OP_KET = 0x10000013,           // a = link; b = option bits; c = 0 or 1
+    OP_SETFLAGS = 0x10000014,      // a = new option bits
+    OP_ANYBYTE = 0x10000015,       // no operands
+    OP_CODEPOINT = 0x10000016,     // a = code point
+    OP_CATEGORY = 0x10000017,      // a = category bits; b = 0 or -1 (negated)
+    OP_BLOCK = 0x10000018,         // a = first, b = last; c = 0 or -1 (negated)
+    OP_SCRIPT = 0x10000019,        // a = 1; b = 0 or -1; c = range count; d = ranges
+    OP_EXTENDED = 0x1000001a,      // no operands
+};
+
+// Maximum of a repeat that stands for "unlimited".
+constexpr int kRepeatUnlimited = 0x3FFFFFFF;
+
+struct Instruction {
+    u32 op;         // an Opcode
+    int a;
+    int b;
+    int c;
+    const void* d;  // OP_STRING: its bytes; OP_SCRIPT: its CodeRange table
+};
+
+static_assert(sizeof(void*) == 8, "the program format assumes 64-bit pointers");
+static_assert(sizeof(Instruction) == 24);
+static_assert(offsetof(Instruction, op) == 0);
+static_assert(offsetof(Instruction, a) == 4);
+static_assert(offsetof(Instruction, b) == 8);
+static_assert(offsetof(Instruction, c) == 12);
+static_assert(offsetof(Instruction, d) == 16);
+
+}  // namespace vkp

@@ -1,0 +1,314 @@
+// Counts, telling rows and invariants of the Unicode 5.1 tables.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <string>
+
+#include "regexp/compile/unicode_names.h"
+#include "regexp/match/unicode_chars.h"
+#include "search/case_map.h"
+
+namespace vkp {
+namespace {
+
+const char* const kBlockNames[kBlockCount] = {
+    "InBasicLatin", "InLatin1Supplement", "InLatinExtendedA", "InLatinExtendedB", "InIPAExtensions",
+    "InSpacingModifierLetters", "InCombiningDiacriticalMarks", "InGreekandCoptic", "InCyrillic",
+    "InCyrillicSupplement", "InArmenian", "InHebrew", "InArabic", "InSyriac", "InArabicSupplement",
+    "InThaana", "InNKo", "InDevanagari", "InBengali", "InGurmukhi", "InGujarati", "InOriya", "InTamil",
+    "InTelugu", "InKannada", "InMalayalam", "InSinhala", "InThai", "InLao", "InTibetan", "InMyanmar",
+    "InGeorgian", "InHangulJamo", "InEthiopic", "InEthiopicSupplement", "InCherokee",
+    "InUnifiedCanadianAboriginalSyllabics", "InOgham", "InRunic", "InTagalog", "InHanunoo", "InBuhid",
+    "InTagbanwa", "InKhmer", "InMongolian", "InLimbu", "InTaiLe", "InNewTaiLue", "InKhmerSymbols",
+    "InBuginese", "InBalinese", "InSundanese", "InLepcha", "InOlChiki", "InPhoneticExtensions",
+    "InPhoneticExtensionsSupplement", "InCombiningDiacriticalMarksSupplement",
+    "InLatinExtendedAdditional", "InGreekExtended", "InGeneralPunctuation",
+    "InSuperscriptsandSubscripts", "InCurrencySymbols", "InCombiningDiacriticalMarksforSymbols",
+    "InLetterlikeSymbols", "InNumberForms", "InArrows", "InMathematicalOperators",
+    "InMiscellaneousTechnical", "InControlPictures", "InOpticalCharacterRecognition",
+    "InEnclosedAlphanumerics", "InBoxDrawing", "InBlockElements", "InGeometricShapes",
+    "InMiscellaneousSymbols", "InDingbats", "InMiscellaneousMathematicalSymbolsA",
+    "InSupplementalArrowsA", "InBraillePatterns", "InSupplementalArrowsB",
+    "InMiscellaneousMathematicalSymbolsB", "InSupplementalMathematicalOperators",
+    "InMiscellaneousSymbolsandArrows", "InGlagolitic", "InLatinExtendedC", "InCoptic",
+    "InGeorgianSupplement", "InTifinagh", "InEthiopicExtended", "InCyrillicExtendedA",
+    "InSupplementalPunctuation", "InCJKRadicalsSupplement", "InKangxiRadicals",
+    "InIdeographicDescriptionCharacters", "InCJKSymbolsandPunctuation", "InHiragana", "InKatakana",
+    "InBopomofo", "InHangulCompatibilityJamo", "InKanbun", "InBopomofoExtended", "InCJKStrokes",
+    "InKatakanaPhoneticExtensions", "InEnclosedCJKLettersandMonths", "InCJKCompatibility",
+    "InCJKUnifiedIdeographsExtensionA", "InYijingHexagramSymbols", "InCJKUnifiedIdeographs",
+    "InYiSyllables", "InYiRadicals", "InVai", "InCyrillicExtendedB", "InModifierToneLetters",
+    "InLatinExtendedD", "InSylotiNagri", "InPhagspa", "InSaurashtra", "InKayahLi", "InRejang",
+    "InCham", "InHangulSyllables", "InHighSurrogates", "InHighPrivateUseSurrogates",
+    "InLowSurrogates", "InPrivateUseArea", "InCJKCompatibilityIdeographs",
+    "InAlphabeticPresentationForms", "InArabicPresentationFormsA", "InVariationSelectors",
+    "InVerticalForms", "InCombiningHalfMarks", "InCJKCompatibilityForms", "InSmallFormVariants",
+    "InArabicPresentationFormsB", "InHalfwidthandFullwidthForms", "InSpecials",
+    "InLinearBSyllabary", "InLinearBIdeograms", "InAegeanNumbers", "InAncientGreekNumbers",
+    "InAncientSymbols", "InPhaistosDisc", "InLycian", "InCarian", "InOldItalic", "InGothic",
+    "InUgaritic", "InOldPersian", "InDeseret", "InShavian", "InOsmanya", "InCypriotSyllabary",
+    "InPhoenician", "InLydian", "InKharoshthi", "InCuneiform", "InCuneiformNumbersandPunctuation",
+    "InByzantineMusicalSymbols", "InMusicalSymbols", "InAncientGreekMusicalNotation",
+    "InTaiXuanJingSymbols", "InCountingRodNumerals", "InMathematicalAlphanumericSymbols",
+    "InMahjongTiles", "InDominoTiles", "InCJKUnifiedIdeographsExtensionB",
+    "InCJKCompatibilityIdeographsSupplement", "InTags", "InVariationSelectorsSupplement",
+    "InSupplementaryPrivateUseAreaA", "InSupplementaryPrivateUseAreaB",
+};
+
+const char* const kScriptNames[kScriptCount] = {
+    "Common", "Latin", "Greek", "Cyrillic", "Armenian", "Hebrew", "Arabic", "Syriac", "Thaana",
+    "Devanagari", "Bengali", "Gurmukhi", "Gujarati", "Oriya", "Tamil", "Telugu", "Kannada",
+    "Malayalam", "Sinhala", "Thai", "Lao", "Tibetan", "Myanmar", "Georgian", "Hangul", "Ethiopic",
+    "Cherokee", "Canadian_Aboriginal", "Ogham", "Runic", "Khmer", "Mongolian", "Hiragana",
+    "Katakana", "Bopomofo", "Han", "Yi", "Old_Italic", "Gothic", "Deseret", "Inherited", "Tagalog",
+    "Hanunoo", "Buhid", "Tagbanwa", "Limbu", "Tai_Le", "Linear_B", "Ugaritic", "Shavian",
+    "Osmanya", "Cypriot", "Braille", "Buginese", "Coptic", "New_Tai_Lue", "Glagolitic", "Tifinagh",
+    "Syloti_Nagri", "Old_Persian", "Kharoshthi", "Balinese", "Cuneiform", "Phoenician", "Phags_Pa",
+    "Nko", "Sundanese", "Lepcha", "Ol_Chiki", "Vai", "Saurashtra", "Kayah_Li", "Rejang", "Lycian",
+    "Carian", "Lydian", "Cham",
+};
+
+const ScriptRecord& Script(const char* name) {
+    for (const ScriptRecord& s : kScripts)
+        if (std::strcmp(s.name, name) == 0) return s;
+    ADD_FAILURE() << "no script " << name;
+    return kScripts[0];
+}
+
+TEST(UnicodeBlocks, NamesInTableOrderAndAscendingRanges) {
+    for (int i = 0; i < kBlockCount; ++i) {
+        EXPECT_STREQ(kBlocks[i].name, kBlockNames[i]) << i;
+        EXPECT_LE(kBlocks[i].first, kBlocks[i].last) << kBlocks[i].name;
+        if (i > 0) {
+            EXPECT_GT(kBlocks[i].first, kBlocks[i - 1].last) << kBlocks[i].name;
+        }
+    }
+}
+
+TEST(UnicodeBlocks, TellingRows) {
+    struct Row { int index; const char* name; u32 first, last; };
+    const Row rows[] = {
+        {0, "InBasicLatin", 0, 0x7F},
+        {1, "InLatin1Supplement", 0x80, 0xFF},
+        {8, "InCyrillic", 0x400, 0x4FF},
+        {9, "InCyrillicSupplement", 0x500, 0x52F},
+        {kBlockCount - 1, "InSupplementaryPrivateUseAreaB", 0x100000, 0x10FFFF},
+    };
+    for (const Row& r : rows) {
+        EXPECT_STREQ(kBlocks[r.index].name, r.name);
+        EXPECT_EQ(kBlocks[r.index].first, r.first) << r.name;
+        EXPECT_EQ(kBlocks[r.index].last, r.last) << r.name;
+    }
+}
+
+TEST(UnicodeScripts, LookupOrderAndDisjointAscendingRanges) {
+    int total = 0;
+    for (int i = 0; i < kScriptCount; ++i) {
+        const ScriptRecord& s = kScripts[i];
+        EXPECT_STREQ(s.name, kScriptNames[i]) << i;
+        EXPECT_EQ(s.firstRange, total) << s.name;
+        ASSERT_GT(s.rangeCount, 0) << s.name;
+        total += s.rangeCount;
+        const CodeRange* r = kScriptRanges + s.firstRange;
+        for (int k = 0; k < s.rangeCount; ++k) {
+            EXPECT_LE(r[k].first, r[k].last) << s.name << " " << k;
+            if (k > 0) {
+                EXPECT_GT(r[k].first, r[k - 1].last) << s.name << " " << k;
+            }
+        }
+    }
+    EXPECT_EQ(total, kScriptRangeCount);
+}
+
+TEST(UnicodeScripts, RangeCounts) {
+    const std::map<std::string, int> counts = {
+        {"Common", 530}, {"Latin", 42}, {"Greek", 51}, {"Cyrillic", 18},
+        {"Armenian", 6}, {"Hebrew", 22}, {"Arabic", 36}, {"Syriac", 7},
+        {"Thaana", 3}, {"Devanagari", 17}, {"Bengali", 25}, {"Gurmukhi", 21},
+    };
+    for (const auto& [name, count] : counts)
+        EXPECT_EQ(Script(name.c_str()).rangeCount, count) << name;
+}
+
+TEST(UnicodeScripts, TellingRows) {
+    struct Rows { const char* script; bool atEnd; CodeRange rows[6]; int n; };
+    const Rows cases[] = {
+        {"Common", false, {{0, 0x1F}, {0x20, 0x20}, {0x21, 0x23}, {0x24, 0x24}}, 4},
+        {"Common", true, {{0xE0020, 0xE007F}}, 1},
+        {"Latin", false,
+         {{0x41, 0x5A}, {0x61, 0x7A}, {0xAA, 0xAA}, {0xBA, 0xBA}, {0xC0, 0xD6}, {0xD8, 0xF6}}, 6},
+        {"Latin", true, {{0xFF41, 0xFF5A}}, 1},
+    };
+    for (const Rows& c : cases) {
+        const ScriptRecord& s = Script(c.script);
+        const CodeRange* r = kScriptRanges + s.firstRange + (c.atEnd ? s.rangeCount - c.n : 0);
+        for (int k = 0; k < c.n; ++k) {
+            EXPECT_EQ(r[k].first, c.rows[k].first) << c.script << " " << k;
+            EXPECT_EQ(r[k].last, c.rows[k].last) << c.script << " " << k;
+        }
+    }
+}
+
+TEST(UnicodeChars, RangeTable) {
+    const CharRange expected[kCharRangeCount] = {
+        {0x3400, 0x4DB5, 0x90},     {0x4E00, 0x9FC3, 0x90},     {0xAC00, 0xD7A3, 0x90},
+        {0xD800, 0xDB7F, 0x2008},   {0xDB80, 0xDBFF, 0x2008},   {0xDC00, 0xDFFF, 0x2008},
+        {0xE000, 0xF8FF, 0x2004},   {0x20000, 0x2A6D6, 0x90},   {0xF0000, 0xFFFFD, 0x2004},
+        {0x100000, 0x10FFFD, 0x2004},
+    };
+    for (int i = 0; i < kCharRangeCount; ++i) {
+        EXPECT_EQ(kCharRanges[i].first, expected[i].first) << i;
+        EXPECT_EQ(kCharRanges[i].last, expected[i].last) << i;
+        EXPECT_EQ(kCharRanges[i].bits, expected[i].bits) << i;
+    }
+}
+
+// One major bit and at most one minor bit, never the unassigned category.
+bool WellFormedCategory(u32 bits) {
+    u32 major = bits & kCatMajorMask, minor = bits & ~kCatMajorMask;
+    return major != 0 && (major & (major - 1)) == 0 && major <= kCatC &&
+           (minor & (minor - 1)) == 0 && bits != kCatCn;
+}
+
+TEST(UnicodeChars, RecordsAscendOutsideTheRanges) {
+    EXPECT_EQ(kCharRecords[0].codePoint, 0);
+    EXPECT_EQ(kCharRecords[kCharRecordCount - 1].codePoint, kLastCharCodePoint);
+    for (int i = 0; i < kCharRecordCount; ++i) {
+        const CharRecord& r = kCharRecords[i];
+        if (i > 0) {
+            ASSERT_GT(r.codePoint, kCharRecords[i - 1].codePoint) << i;
+        }
+        EXPECT_TRUE(WellFormedCategory(r.bits)) << std::hex << r.codePoint;
+        for (const CharRange& g : kCharRanges)
+            EXPECT_FALSE(g.first <= u32(r.codePoint) && u32(r.codePoint) <= g.last)
+                << std::hex << r.codePoint;
+    }
+}
+
+TEST(UnicodeChars, TellingRecords) {
+    struct Row { int cp; u32 bits, upper, lower; };
+    const Row rows[] = {
+        {0x41, 0x82, 0, 0x61}, {0x61, 0x81, 0x41, 0}, {0x3A3, kCatLu, 0, 0x3C3},
+        {0x1E9E, kCatLu, 0, 0xDF}, {0x2126, kCatLu, 0, 0x3C9}, {0x01C5, kCatLt, 0x1C4, 0x1C6},
+        {0x30, kCatNd, 0, 0}, {0xE01EF, kCatMn, 0, 0},
+    };
+    for (const Row& row : rows) {
+        const CharRecord* r = nullptr;
+        for (const CharRecord& rec : kCharRecords)
+            if (rec.codePoint == row.cp) r = &rec;
+        ASSERT_NE(r, nullptr) << std::hex << row.cp;
+        EXPECT_EQ(r->bits, row.bits) << std::hex << row.cp;
+        EXPECT_EQ(r->upper, row.upper) << std::hex << row.cp;
+        EXPECT_EQ(r->lower, row.lower) << std::hex << row.cp;
+    }
+}
+
+struct CaseMapping { bool hasUpper, hasLower; u32 upper, lower; int delta; };
+
+CaseMapping CaseOf(u16 c) {
+    u32 w = CaseMapWord(c);
+    int d = CaseMapDelta(w);
+    return {(w & kCaseHasUpper) != 0, (w & kCaseHasLower) != 0, u32(c - d), u32(c + d), d};
+}
+
+TEST(CaseMap, CountsAndDeltas) {
+    int lowers = 0, uppers = 0, minDelta = 1 << 10, maxDelta = -(1 << 10);
+    std::map<int, int> deltaUse;
+    for (u32 c = 0; c < 0x10000; ++c) {
+        CaseMapping m = CaseOf(u16(c));
+        if (m.hasLower) {
+            ++lowers;
+            minDelta = std::min(minDelta, m.delta);
+            maxDelta = std::max(maxDelta, m.delta);
+        }
+        uppers += m.hasUpper;
+        if (m.hasLower || m.hasUpper) ++deltaUse[m.delta];
+    }
+    EXPECT_EQ(lowers, 704);
+    EXPECT_EQ(uppers, 673);
+    EXPECT_EQ(minDelta, -199);
+    EXPECT_EQ(maxDelta, 219);
+    // The commonest deltas, in order of use.
+    std::multimap<int, int, std::greater<int>> byUse;
+    for (auto [delta, n] : deltaUse) byUse.emplace(n, delta);
+    const int commonest[] = {1, 32, -8, 48, 26};
+    auto it = byUse.begin();
+    for (int d : commonest) EXPECT_EQ((it++)->second, d);
+}
+
+TEST(CaseMap, MappedUnitsLieInTheListedStretches) {
+    const CodeRange stretches[] = {
+        {0x41, 0x7A}, {0xC0, 0x217}, {0x253, 0x272}, {0x283, 0x292}, {0x386, 0x3F6},
+        {0x400, 0x4F9}, {0x531, 0x586}, {0x10A0, 0x10C5}, {0x1E00, 0x1FFC},
+        {0x2160, 0x217F}, {0x24B6, 0x24E9}, {0xFF21, 0xFF5A},
+    };
+    for (u32 c = 0; c < 0x10000; ++c) {
+        CaseMapping m = CaseOf(u16(c));
+        if (!m.hasLower && !m.hasUpper) continue;
+        bool listed = false;
+        for (const CodeRange& s : stretches) listed |= s.first <= c && c <= s.last;
+        EXPECT_TRUE(listed) << std::hex << c;
+    }
+}
+
+// Every mapping in the case map is the character table's simple mapping,
+// except the Georgian capitals, which lower to the 0x10D0 letters.
+TEST(CaseMap, AgreesWithTheCharacterTable) {
+    std::map<u32, const CharRecord*> byCp;
+    for (const CharRecord& r : kCharRecords) byCp[u32(r.codePoint)] = &r;
+    for (u32 c = 0; c < 0x10000; ++c) {
+        CaseMapping m = CaseOf(u16(c));
+        if (!m.hasLower && !m.hasUpper) continue;
+        auto it = byCp.find(c);
+        ASSERT_NE(it, byCp.end()) << std::hex << c;
+        if (c >= 0x10A0 && c <= 0x10C5) {
+            EXPECT_TRUE(m.hasLower && !m.hasUpper && m.delta == 48) << std::hex << c;
+            continue;
+        }
+        if (m.hasLower) {
+            EXPECT_EQ(m.lower, it->second->lower) << std::hex << c;
+        }
+        if (m.hasUpper) {
+            EXPECT_EQ(m.upper, it->second->upper) << std::hex << c;
+        }
+    }
+}
+
+TEST(CaseMap, TellingRowsAndEdgeCases) {
+    struct Row { u16 c; int upper, lower; };  // -1: no mapping
+    const Row rows[] = {
+        {0x0041, -1, 0x61},     {0x0061, 0x41, -1},     {0x00C0, -1, 0xE0},
+        {0x0130, -1, 0x69},     {0x0069, 0x49, -1},     {0x0131, 0x49, -1},
+        {0x0178, -1, 0xFF},     {0x00FF, 0x178, -1},    {0x01C5, 0x1C4, 0x1C6},
+        {0x01C8, 0x1C7, 0x1C9}, {0x01CB, 0x1CA, 0x1CC}, {0x01F2, 0x1F1, 0x1F3},
+        {0x00DF, -1, -1},       {0x00B5, -1, -1},       {0x03C2, -1, -1},
+        {0x024F, -1, -1},       {0x0370, -1, -1},       {0x037B, -1, -1},
+        {0x0218, -1, -1},       {0x0233, -1, -1},       {0x023A, -1, -1},
+        {0x03F7, -1, -1},       {0x0500, -1, -1},       {0x0386, -1, 0x3AC},
+        {0x03A3, -1, 0x3C3},    {0x04F9, 0x4F8, -1},    {0x0531, -1, 0x561},
+        {0x10A0, -1, 0x10D0},   {0x10C5, -1, 0x10F5},   {0x10D0, -1, -1},
+        {0x10F5, -1, -1},       {0x1E9E, -1, -1},       {0x2126, -1, -1},
+        {0x212A, -1, -1},       {0x2160, -1, 0x2170},   {0x217F, 0x216F, -1},
+        {0x24B6, -1, 0x24D0},   {0x24E9, 0x24CF, -1},   {0xFF21, -1, 0xFF41},
+        {0xFF5A, 0xFF3A, -1},   {0xD800, -1, -1},       {0xFFFF, -1, -1},
+    };
+    for (const Row& r : rows) {
+        CaseMapping m = CaseOf(r.c);
+        EXPECT_EQ(m.hasUpper ? int(m.upper) : -1, r.upper) << std::hex << r.c;
+        EXPECT_EQ(m.hasLower ? int(m.lower) : -1, r.lower) << std::hex << r.c;
+    }
+}
+
+TEST(CaseMap, IndexPointsAtWholeRows) {
+    u32 rows = 0;
+    for (u16 start : kCaseMapIndex) {
+        EXPECT_EQ(start % 64, 0);
+        rows = std::max<u32>(rows, start / 64u + 1);
+    }
+    for (u32 i = 0; i < rows * 64; ++i) EXPECT_LT(kCaseMapContents[i], kCaseMapWordCount);
+    EXPECT_EQ(kCaseMapWords[0], 0u);
+}
+
+}  // namespace
+}  // namespace vkp
