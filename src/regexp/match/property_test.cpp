@@ -6,22 +6,24 @@ namespace vkp {
 
 namespace {
 
+// Computed without branches on the class: mixed-script text would make
+// them unpredictable.
 int CategoryTest(int c, u32 want, bool negated) {
     const CharClass& k = CharClassOf(c);
     // A range row may decide in favour; when it does not, the character
     // table is consulted as for any other code point.
-    if (k.rangeBits) {
-        const u32 have = k.rangeBits;
-        if (negated ? (want & ~have) != 0 : (have & want) == want) return 1;
-    }
-    if (k.kind == kCharBeyond) return -1;
-    // Unassigned code points match only Cn exactly, whatever the negation.
-    if (k.kind == kCharUnassigned) return want == kCatCn ? 1 : -1;
+    const u32 range = k.rangeBits;
+    const bool rangeHit =
+        range != 0 && (negated ? (want & ~range) != 0 : (range & want) == want);
     const u32 have = k.bits;
-    const bool sameMajor = ((have ^ want) & kCatMajorMask) == 0;
     const u32 wantMinor = want & ~kCatMajorMask;
-    const bool inClass = sameMajor && (wantMinor == 0 || (wantMinor & have) != 0);
-    return inClass != negated ? 1 : -1;
+    const bool inClass = ((have ^ want) & kCatMajorMask) == 0 &&
+                         (wantMinor == 0 || (wantMinor & have) != 0);
+    // Unassigned code points match only Cn exactly, whatever the negation;
+    // those beyond the table match nothing.
+    const bool recordHit = k.kind == kCharAssigned ? inClass != negated
+                                                   : k.kind == kCharUnassigned && want == kCatCn;
+    return (rangeHit | recordHit) ? 1 : -1;
 }
 
 int ScriptTest(int c, const CodeRange* ranges, int count, bool negated) {
