@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets. `make demo` and `make test` install
 # what is missing (scripts/install-deps.sh), configure, build and run.
-.PHONY: all deps demo test test-native test-sanitize test-windows fuzz bench install clean
+.PHONY: all deps demo test test-native test-sanitize test-windows fuzz bench install clean regen-unicode
 
 FUZZ_SECONDS ?= 20
 PREFIX ?= /usr/local
@@ -50,6 +50,11 @@ bench: deps
 	cmake --preset native
 	cmake --build --preset native --target vkpch_bench
 	build/native/bin/vkpch_bench
+
+# Rewrite the committed Unicode tables from ../shared/ucd-5.1.0.
+regen-unicode:
+	cmake --preset native >/dev/null
+	cmake --build --preset native --target regen-unicode
 
 install: all
 	cmake --install build/native --prefix $(PREFIX)
