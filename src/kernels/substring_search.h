@@ -76,6 +76,13 @@ VKP_INLINE int VerifyHighest(const T* s, int j, unsigned mask, const T* f, int m
     return found;
 }
 
+// True when f[0, m) stands at s + i; f0 and fl are its first and last units,
+// tested first. The scan of strings too short for one block.
+template <class T>
+VKP_INLINE bool MatchesAt(const T* s, int i, const T* f, int m, T f0, T fl) {
+    return LoadUnit(s + i) == f0 && LoadUnit(s + i + m - 1) == fl && EqualUnits(s + i + 1, f + 1, m - 2);
+}
+
 }  // namespace detail
 
 // Leftmost start of f[0, m) in s[0, len), or -1. Requires 1 <= m <= len.
@@ -87,8 +94,7 @@ int FindSubFwd(const T* s, int len, const T* f, int m) {
     const T f0 = LoadUnit(f), fl = LoadUnit(f + m - 1);
     if (lastPos + 1 < W) {
         for (int i = 0; i <= lastPos; ++i)
-            if (LoadUnit(s + i) == f0 && LoadUnit(s + i + m - 1) == fl && EqualUnits(s + i + 1, f + 1, m - 2))
-                return i;
+            if (detail::MatchesAt(s, i, f, m, f0, fl)) return i;
         return -1;
     }
     const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
@@ -122,8 +128,7 @@ int FindSubRev(const T* s, int len, const T* f, int m) {
     const T f0 = LoadUnit(f), fl = LoadUnit(f + m - 1);
     if (lastPos + 1 < W) {
         for (int i = lastPos; i >= 0; --i)
-            if (LoadUnit(s + i) == f0 && LoadUnit(s + i + m - 1) == fl && EqualUnits(s + i + 1, f + 1, m - 2))
-                return i;
+            if (detail::MatchesAt(s, i, f, m, f0, fl)) return i;
         return -1;
     }
     const __m128i first = Units<T>::Splat(f0), last = Units<T>::Splat(fl);
