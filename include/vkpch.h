@@ -103,6 +103,81 @@ VKPCH_API vkpStatus vkpsFind_Z_16u(const vkp16u* pSrcZ, const vkp16u* pFindZ, in
 VKPCH_API vkpStatus vkpsFindC_Z_8u(const vkp8u* pSrcZ, vkp8u valFind, int* pIndex);
 VKPCH_API vkpStatus vkpsFindC_Z_16u(const vkp16u* pSrcZ, vkp16u valFind, int* pIndex);
 
+
+/* ---------------------------------------------------------------------------
+ * Regular expressions: the compiled pattern block
+ *
+ * A compiled pattern lives in one caller-owned block of
+ * strlen(pattern) * 24 + 48056 bytes (vkpsRegExpGetSize): the header below,
+ * a 48000-byte work area used by searches, then the program, an array of
+ * instructionCount 24-byte vkpRegExpInstruction records, and behind it the
+ * literal bytes that string instructions point at. A block is usable after
+ * a successful vkpsRegExpInit only; one block serves one thread at a time.
+ * ------------------------------------------------------------------------- */
+
+#define VKP_REGEXP_MAGIC      0x78456772u
+#define VKP_REGEXP_WORK_SIZE  48000
+#define VKP_REGEXP_HEAD_SIZE  48032   /* header words + work area */
+
+/* Option bits (the option letters s, m, i, x, g). */
+#define VKP_REGEXP_DOTALL     1u
+#define VKP_REGEXP_MULTILINE  2u
+#define VKP_REGEXP_IGNORECASE 4u
+#define VKP_REGEXP_EXTENDED   8u
+#define VKP_REGEXP_GLOBAL     16u
+
+/* One instruction of the program. Operands an opcode does not use are not
+ * written. */
+typedef struct vkpRegExpInstruction {
+    vkp32u      op;  /* opcode, 0x10000000 + k */
+    int         a;
+    int         b;
+    int         c;
+    const void* d;   /* string instructions: their bytes; scripts: their ranges */
+} vkpRegExpInstruction;
+
+typedef struct vkpRegExpState {
+    vkp32u magic;             /* VKP_REGEXP_MAGIC after a compile */
+    vkp32u options;           /* option bits at the start of the pattern */
+    int    instructionCount;
+    int    groupCount;        /* 1 + number of capturing groups */
+    int    lastLiteralIndex;  /* last top-level literal instruction, -1 none, -2 top-level '|' */
+    int    matchLimit;        /* back-tracking depth budget, 10000 after a compile */
+    int    format;            /* 1 = UTF-8 subjects, 0 = bytes */
+    int    patternKind;       /* 0 general, 1 leading literal, 2 alternation of literals */
+    unsigned char workArea[VKP_REGEXP_WORK_SIZE];
+    /* followed by instructionCount vkpRegExpInstruction records and the
+     * literal bytes */
+} vkpRegExpState;
+
+/* One reported group: its first byte and length; {NULL, -1} for a group
+ * that did not take part. */
+typedef struct vkpRegExpFind {
+    const vkp8u* pMatch;
+    int          matchLen;
+} vkpRegExpFind;
+
+/* Writes the block size for pattern pSrc (it is not validated). */
+VKPCH_API vkpStatus vkpsRegExpGetSize(const char* pSrc, int* pSize);
+
+/* Compiles pSrc with the option letters in pOptions (s m i x g; may be
+ * NULL) into pState. On a compile error returns its status (-183 to -190)
+ * and the byte offset of the error in *pErrOffset; on success *pErrOffset
+ * is left alone. Resets the match limit to 10000 and the format to 1. */
+VKPCH_API vkpStatus vkpsRegExpInit(const char* pSrc, const char* pOptions, vkpRegExpState* pState, int* pErrOffset);
+
+/* Allocates a block of the right size through vkpMalloc and compiles into
+ * it; on failure *ppState is NULL. Release with vkpsRegExpFree. */
+VKPCH_API vkpStatus vkpsRegExpInitAlloc(const char* pSrc, const char* pOptions, vkpRegExpState** ppState, int* pErrOffset);
+
+/* Releases a block made by vkpsRegExpInitAlloc. */
+VKPCH_API void vkpsRegExpFree(vkpRegExpState* pState);
+
+/* Setters take the value first: the depth budget (0 or more) and the
+ * subject format (0 bytes, 1 UTF-8). */
+VKPCH_API vkpStatus vkpsRegExpSetMatchLimit(int value, vkpRegExpState* pState);
+VKPCH_API vkpStatus vkpsRegExpSetFormat(int format, vkpRegExpState* pState);
+
 #ifdef __cplusplus
 }
 #endif

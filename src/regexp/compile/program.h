@@ -43,13 +43,8 @@ enum Opcode : u32 {
 // Maximum of a repeat that stands for "unlimited".
 constexpr int kRepeatUnlimited = 0x3FFFFFFF;
 
-struct Instruction {
-    u32 op;         // an Opcode
-    int a;
-    int b;
-    int c;
-    const void* d;  // OP_STRING: its bytes; OP_SCRIPT: its CodeRange table
-};
+// The 24-byte record of the public header: op, a, b, c, d.
+using Instruction = vkpRegExpInstruction;
 
 static_assert(sizeof(void*) == 8, "the program format assumes 64-bit pointers");
 static_assert(sizeof(Instruction) == 24);

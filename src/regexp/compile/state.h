@@ -1,0 +1,61 @@
+// The compiled pattern block: header words, the search work area, then the
+// program and the literal bytes behind it. The layout is caller-visible.
+#pragma once
+
+#include <stddef.h>
+
+#include "frame/base.h"
+#include "regexp/compile/program.h"
+
+namespace vkp {
+
+using RegExpState = vkpRegExpState;
+using RegExpFind = vkpRegExpFind;
+
+constexpr u32 kRegExpMagic = VKP_REGEXP_MAGIC;
+constexpr int kHeadSize = VKP_REGEXP_HEAD_SIZE;
+constexpr int kDefaultMatchLimit = 10000;
+
+// Block bytes for a pattern of n bytes: the head, one record per pattern
+// byte and one more. The compiler writes at most that many records plus the
+// literal copies, which fit in the same budget.
+constexpr long long BlockSize(long long patternBytes) {
+    return patternBytes * static_cast<long long>(sizeof(Instruction)) + kHeadSize + sizeof(Instruction);
+}
+
+// Group ids run from 1 to 999; capture numbers too.
+constexpr int kMaxGroupIds = 1000;
+
+// The work area holds, for one search, a table of 32-byte entries indexed
+// by group id (first part) and the group result records indexed by capture
+// number (second part).
+constexpr int kWorkFirstPart = 32000;
+constexpr int kWorkSecondPart = 16000;
+
+VKP_INLINE Instruction* ProgramOf(RegExpState* s) {
+    return reinterpret_cast<Instruction*>(reinterpret_cast<u8*>(s) + kHeadSize);
+}
+VKP_INLINE const Instruction* ProgramOf(const RegExpState* s) {
+    return reinterpret_cast<const Instruction*>(reinterpret_cast<const u8*>(s) + kHeadSize);
+}
+VKP_INLINE RegExpFind* RecordsOf(RegExpState* s) {
+    return reinterpret_cast<RegExpFind*>(s->workArea + kWorkFirstPart);
+}
+
+static_assert(offsetof(RegExpState, magic) == 0);
+static_assert(offsetof(RegExpState, options) == 4);
+static_assert(offsetof(RegExpState, instructionCount) == 8);
+static_assert(offsetof(RegExpState, groupCount) == 12);
+static_assert(offsetof(RegExpState, lastLiteralIndex) == 16);
+static_assert(offsetof(RegExpState, matchLimit) == 20);
+static_assert(offsetof(RegExpState, format) == 24);
+static_assert(offsetof(RegExpState, patternKind) == 28);
+static_assert(offsetof(RegExpState, workArea) == 32);
+static_assert(sizeof(RegExpState) == kHeadSize);
+static_assert(kHeadSize % alignof(Instruction) == 0);
+static_assert(kWorkFirstPart + kWorkSecondPart == VKP_REGEXP_WORK_SIZE);
+static_assert(sizeof(RegExpFind) == 16 && offsetof(RegExpFind, matchLen) == 8);
+static_assert(kMaxGroupIds * sizeof(RegExpFind) <= kWorkSecondPart);
+static_assert(BlockSize(0) == 48056);
+
+}  // namespace vkp
