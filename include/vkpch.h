@@ -178,6 +178,17 @@ VKPCH_API void vkpsRegExpFree(vkpRegExpState* pState);
 VKPCH_API vkpStatus vkpsRegExpSetMatchLimit(int value, vkpRegExpState* pState);
 VKPCH_API vkpStatus vkpsRegExpSetFormat(int format, vkpRegExpState* pState);
 
+/* Searches pSrc[0..srcLen) with a compiled pattern. *pNumMatches holds the
+ * capacity of pMatches in records on entry and the records written on exit.
+ * Single search: record 0 is the whole match, record k capturing group k.
+ * Global search (option g): per match record 0 alone when the pattern has no
+ * group, else records 1 to the last group. Returns 0 (also when nothing was
+ * found: *pNumMatches = 0), 12 when the array took fewer records than the
+ * pattern reports, -188 when no match was found and the budget ran out,
+ * -189 when pState is not a compiled pattern. With format 1 the subject is
+ * UTF-8. The word-boundary anchors read the byte behind the subject. */
+VKPCH_API vkpStatus vkpsRegExpFind_8u(const vkp8u* pSrc, int srcLen, vkpRegExpState* pState, vkpRegExpFind* pMatches, int* pNumMatches);
+
 #ifdef __cplusplus
 }
 #endif
