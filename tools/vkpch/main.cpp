@@ -8,7 +8,8 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: vkpch version\n"
-    "       vkpch find [--rev] NEEDLE [FILE...]\n";
+    "       vkpch find [--rev] NEEDLE [FILE...]\n"
+    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n";
 
 }  // namespace
 
@@ -26,6 +27,9 @@ int main(int argc, char** argv) {
     const Args args(argv + 2, argv + argc);
     if (command == "version") return CmdVersion(args);
     if (command == "find") return CmdFind(args);
+#ifdef VKPCH_HAVE_REGEXP_FIND
+    if (command == "grep") return CmdGrep(args);
+#endif
     if (command == "--help" || command == "-h" || command == "help") {
         std::fputs(kUsage, stdout);
         return 0;
