@@ -21,6 +21,10 @@ demo: deps
 	@build/native/bin/vkpch find the data/sample.txt | tr '\n' ' '; echo
 	@echo "== vkpch find --rev keeper data/sample.txt"
 	@build/native/bin/vkpch find --rev keeper data/sample.txt
+	@printf '%s\n' "== vkpch grep -n '\\b(keeper|lamp|log)\\b' data/sample.txt"
+	@build/native/bin/vkpch grep -n '\b(keeper|lamp|log)\b' data/sample.txt
+	@printf '%s\n' "== vkpch grep -o '[A-Z]\\w+' data/sample.txt"
+	@build/native/bin/vkpch grep -o '[A-Z]\w+' data/sample.txt | tr '\n' ' '; echo
 
 test: deps test-native test-sanitize test-windows
 	@echo "make test: native, sanitizer and Windows suites passed"
