@@ -1,0 +1,499 @@
+// Differential test of the regexp engine against the Perl-compatible engine
+// of libpcre2 (8-bit, no UTF): seeded random patterns over random subjects,
+// single and global searches, identical records required (whole match and
+// every group).
+//
+// The generator keeps to constructs whose documented semantics agree with
+// Perl's and leaves out the engine's deliberate departures:
+//  - no byte 11 anywhere (\s excludes it here, Perl includes it);
+//  - a back-reference names an earlier group that cannot be empty (an empty
+//    one never matches at the very end of the subject here);
+//  - no capturing group in a pattern with a vertical bar outside every group
+//    (records are not reset between top-level alternatives);
+//  - a group is repeated only when every iteration consumes a byte;
+//  - a pattern with a look-ahead ends with an empty group, never with a
+//    literal (the search is cut behind the last occurrence of a final
+//    literal, and a look-ahead could see past the cut); no anchor inside a
+//    look-behind (no fixed length);
+//  - subjects hold no valid UTF-8 multi-byte sequence (dot and \D take whole
+//    characters), and the byte behind the subject is not a word byte (the
+//    word-boundary test reads it);
+//  - \p{Lu} and \p{Ll} never under case folding; no `{` as a literal, no
+//    `{,n}`, no octal escapes, no \G in global searches;
+//  - global searches are compared only when no match is empty (the retry
+//    after an empty match sees a one-byte subject here).
+//
+// VKPCH_PEER_SEED and VKPCH_PEER_PATTERNS change the seed and the number of
+// patterns; every mismatch prints the pattern, options and subject.
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <pcre2.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "vkpch.h"
+
+namespace {
+
+using Rng = std::mt19937;
+
+int Pick(Rng& rng, int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); }
+bool Chance(Rng& rng, int percent) { return Pick(rng, 0, 99) < percent; }
+
+// A generated piece of pattern with what the rules above need to know.
+struct Piece {
+    std::string text;
+    int minLen = 0;
+    int maxLen = 0;       // -1: unbounded
+    bool single = false;  // one item a quantifier may follow directly
+};
+
+constexpr int kUnbounded = -1;
+
+int AddLen(int a, int b) { return a < 0 || b < 0 ? kUnbounded : a + b; }
+
+class Generator {
+public:
+    Generator(Rng& rng, bool extended, bool caseless, bool topLevelCaptures)
+        : rng_(rng), extended_(extended), caseless_(caseless), captures_(topLevelCaptures) {}
+
+    bool usedLookahead = false;
+
+    std::string Pattern() {
+        std::string text;
+        const int alternatives = captures_ ? 1 : Pick(rng_, 1, 3);
+        for (int i = 0; i < alternatives; ++i) {
+            if (i) text += Sep() + "|" + Sep();
+            Piece p = Sequence(0, false, Pick(rng_, 1, 5));
+            text += p.text;
+        }
+        if (usedLookahead) text += "(?:)";
+        return text;
+    }
+
+    // A sequence of items; fixedOnly keeps to fixed-length items (look-behind).
+    Piece Sequence(int depth, bool fixedOnly, int items) {
+        Piece seq;
+        for (int i = 0; i < items; ++i) {
+            Piece item = Quantified(depth, fixedOnly);
+            if (i && !item.text.empty()) seq.text += Sep();
+            // A back-reference followed by a digit would read as a longer number.
+            if (!seq.text.empty() && seq.text.back() >= '0' && seq.text.back() <= '9' && endsWithBackref_ &&
+                !item.text.empty() && item.text[0] >= '0' && item.text[0] <= '9')
+                seq.text += "(?:)";
+            endsWithBackref_ = item.text.size() == 2 && item.text[0] == '\\' && item.text[1] >= '1' && item.text[1] <= '9';
+            seq.text += item.text;
+            seq.minLen += item.minLen;
+            seq.maxLen = AddLen(seq.maxLen, item.maxLen);
+        }
+        return seq;
+    }
+
+private:
+    std::string Sep() { return extended_ && Chance(rng_, 30) ? (Chance(rng_, 80) ? " " : "\t") : ""; }
+
+    Piece Quantified(int depth, bool fixedOnly) {
+        Piece p = Item(depth, fixedOnly);
+        if (!p.single || Chance(rng_, 60)) return p;
+        int lo, hi;
+        std::string q;
+        switch (fixedOnly ? 4 : Pick(rng_, 0, 5)) {
+        case 0: lo = 0, hi = kUnbounded, q = "*"; break;
+        case 1: lo = 1, hi = kUnbounded, q = "+"; break;
+        case 2: lo = 0, hi = 1, q = "?"; break;
+        case 3: lo = Pick(rng_, 0, 2), hi = kUnbounded, q = "{" + std::to_string(lo) + ",}"; break;
+        case 4: lo = hi = Pick(rng_, 1, 3), q = "{" + std::to_string(lo) + "}"; break;
+        default:
+            lo = Pick(rng_, 0, 2), hi = lo + Pick(rng_, 0, 2);
+            q = "{" + std::to_string(lo) + "," + std::to_string(hi) + "}";
+        }
+        // A repeated group must consume something in every iteration.
+        if (p.minLen == 0 && p.text[0] == '(') return p;
+        if (!fixedOnly && Chance(rng_, 35)) q += "?";
+        p.text += q;
+        p.minLen *= lo;
+        if (hi == kUnbounded) p.maxLen = p.maxLen == 0 ? 0 : kUnbounded;
+        else if (p.maxLen != kUnbounded) p.maxLen *= hi;
+        p.single = false;
+        return p;
+    }
+
+    Piece Literal() {
+        static const char kBytes[] = "abcabcABxyz1_-";
+        Piece p;
+        const char c = kBytes[Pick(rng_, 0, int(sizeof kBytes) - 2)];
+        p.text = c == '-' ? "-" : std::string(1, c);
+        p.minLen = p.maxLen = 1;
+        p.single = true;
+        return p;
+    }
+
+    Piece Fixed(std::string text) {
+        Piece p;
+        p.text = std::move(text);
+        p.minLen = p.maxLen = 1;
+        p.single = true;
+        return p;
+    }
+
+    Piece ZeroWidth(std::string text) {
+        Piece p;
+        p.text = std::move(text);
+        return p;
+    }
+
+    Piece Class() {
+        static const char* const kMembers[] = {"a", "b", "c", "x", "A", "1", "_", "a-c", "A-C", "0-9", "\\d",
+                                               "\\w", "\\s", "\\W", "[:alpha:]", "[:digit:]", "[:alnum:]",
+                                               "[:space:]", "[:upper:]", "[:lower:]", "[:xdigit:]", "\\xff",
+                                               "\\n", "\\.", "\\-", "\\]"};
+        std::string t = Chance(rng_, 30) ? "[^" : "[";
+        const int n = Pick(rng_, 1, 3);
+        for (int i = 0; i < n; ++i) {
+            std::string m = kMembers[Pick(rng_, 0, int(sizeof kMembers / sizeof kMembers[0]) - 1)];
+            // Case folding of the POSIX upper/lower ranges is left out.
+            if (caseless_ && (m == "[:upper:]" || m == "[:lower:]")) m = "[:alpha:]";
+            t += m;
+        }
+        return Fixed(t + "]");
+    }
+
+    Piece Property() {
+        static const char* const kNames[] = {"L", "Lu", "Ll", "N", "Nd", "P", "Po", "Pd", "Pc", "Zs",
+                                             "Latin", "Common", "Any", "Cc", "S"};
+        std::string name = kNames[Pick(rng_, 0, int(sizeof kNames / sizeof kNames[0]) - 1)];
+        if (caseless_ && (name == "Lu" || name == "Ll")) name = "L";
+        const std::string p = Chance(rng_, 30) ? "\\P" : "\\p";
+        return Fixed(name.size() == 1 && Chance(rng_, 50) ? p + name : p + "{" + name + "}");
+    }
+
+    Piece Group(int depth, bool fixedOnly) {
+        int kind = fixedOnly ? Pick(rng_, 0, 2) : Pick(rng_, 0, 9);
+        std::string open;
+        int capture = 0;
+        switch (kind) {
+        case 0: open = "(?:"; break;
+        case 1:
+            if (captures_ && !lookaround_) { open = "("; capture = ++captureCount_; break; }
+            open = "(?:";
+            break;
+        case 2: open = Chance(rng_, 50) ? "(?i:" : "(?-i:"; break;
+        case 3: open = "(?>"; break;
+        case 4: open = "(?="; break;
+        case 5: open = "(?!"; break;
+        case 6: open = "(?<="; break;
+        case 7: open = "(?<!"; break;
+        case 8:
+            if (captures_ && !lookaround_) { open = "("; capture = ++captureCount_; break; }
+            open = "(?>";
+            break;
+        default: return Conditional(depth);
+        }
+        const bool lookahead = open == "(?=" || open == "(?!";
+        const bool lookbehind = open == "(?<=" || open == "(?<!";
+        if (lookahead) usedLookahead = true;
+        const bool saved = lookaround_;
+        lookaround_ = lookaround_ || lookahead || lookbehind;
+        const bool fixed = fixedOnly || lookbehind;
+        // Alternatives of a fixed-length body must all have the same length;
+        // the first decides, others are dropped.
+        Piece body;
+        std::string text;
+        const int alternatives = Pick(rng_, 1, 3);
+        for (int i = 0; i < alternatives; ++i) {
+            Piece alt = Sequence(depth + 1, fixed, Pick(rng_, 1, 3));
+            if (i == 0) {
+                body = alt;
+                text = alt.text;
+                continue;
+            }
+            if (fixed && (alt.minLen != body.minLen || alt.maxLen != body.maxLen)) continue;
+            text += "|" + alt.text;
+            body.minLen = std::min(body.minLen, alt.minLen);
+            body.maxLen = alt.maxLen < 0 || body.maxLen < 0 ? kUnbounded : std::max(body.maxLen, alt.maxLen);
+        }
+        lookaround_ = saved;
+        Piece p;
+        p.text = open + text + ")";
+        if (lookahead || lookbehind) return p;  // zero width, never repeated
+        p.minLen = body.minLen;
+        p.maxLen = body.maxLen;
+        p.single = true;
+        if (capture && body.minLen > 0 && !fixedOnly) closedNonEmpty_.push_back(capture);
+        return p;
+    }
+
+    // (?(N)yes|no) on a group that is already closed.
+    Piece Conditional(int depth) {
+        if (closedNonEmpty_.empty()) return Group(depth, false);
+        const int n = closedNonEmpty_[size_t(Pick(rng_, 0, int(closedNonEmpty_.size()) - 1))];
+        Piece yes = Sequence(depth + 1, false, Pick(rng_, 1, 2));
+        Piece p;
+        p.text = "(?(" + std::to_string(n) + ")" + yes.text;
+        p.minLen = yes.minLen;
+        p.maxLen = yes.maxLen;
+        if (Chance(rng_, 60)) {
+            Piece no = Sequence(depth + 1, false, Pick(rng_, 1, 2));
+            p.text += "|" + no.text;
+            p.minLen = std::min(p.minLen, no.minLen);
+            p.maxLen = p.maxLen < 0 || no.maxLen < 0 ? kUnbounded : std::max(p.maxLen, no.maxLen);
+        } else {
+            p.minLen = 0;
+        }
+        p.text += ")";
+        return p;
+    }
+
+    Piece Item(int depth, bool fixedOnly) {
+        const int roll = Pick(rng_, 0, 99);
+        if (roll < 38) return Literal();
+        if (roll < 46) return Fixed(".");
+        if (roll < 56) {
+            static const char* const kTypes[] = {"\\d", "\\D", "\\w", "\\W", "\\s", "\\S"};
+            return Fixed(kTypes[Pick(rng_, 0, 5)]);
+        }
+        if (roll < 66) return Class();
+        if (roll < 70) return Property();
+        if (roll < 73) return Fixed(Chance(rng_, 50) ? "\\xff" : "\\n");
+        if (roll < 82 && !fixedOnly) {
+            static const char* const kAnchors[] = {"^", "$", "\\b", "\\B", "\\A", "\\z", "\\Z"};
+            return ZeroWidth(kAnchors[Pick(rng_, 0, 6)]);
+        }
+        if (roll < 86 && !fixedOnly && !lookaround_ && !closedNonEmpty_.empty()) {
+            Piece p;
+            p.text = "\\" + std::to_string(closedNonEmpty_[size_t(Pick(rng_, 0, int(closedNonEmpty_.size()) - 1))]);
+            p.minLen = 1;
+            p.maxLen = kUnbounded;
+            p.single = true;
+            return p;
+        }
+        if (depth < 3) return Group(depth, fixedOnly);
+        return Literal();
+    }
+
+    Rng& rng_;
+    bool extended_, caseless_, captures_;
+    bool lookaround_ = false;
+    bool endsWithBackref_ = false;
+    int captureCount_ = 0;
+    std::vector<int> closedNonEmpty_;
+};
+
+// Subjects over the pattern's alphabet and a few more bytes; high bytes that
+// never form a valid UTF-8 sequence (0xE9 lacks its continuation bytes).
+std::string Subject(Rng& rng) {
+    static const char kBytes[] = "aaabbbcccxyzABCX1_- .\n\n\xff\xe9";
+    std::string s;
+    const int n = Pick(rng, 0, 14);
+    for (int i = 0; i < n; ++i) s += kBytes[Pick(rng, 0, int(sizeof kBytes) - 2)];
+    return s;
+}
+
+std::string Escaped(const std::string& s) {
+    std::string out;
+    for (unsigned char c : s) {
+        if (c >= 32 && c < 127) out += char(c);
+        else {
+            char buf[8];
+            std::snprintf(buf, sizeof buf, "\\x%02x", c);
+            out += buf;
+        }
+    }
+    return out;
+}
+
+// One match: its records as (offset, length) pairs, -1/-1 when unset.
+using Records = std::vector<std::pair<int, int>>;
+
+std::string Show(const std::vector<Records>& matches) {
+    if (matches.empty()) return "no match";
+    std::string out;
+    for (const Records& r : matches) {
+        out += "{";
+        for (size_t i = 0; i < r.size(); ++i)
+            out += (i ? " " : "") + std::to_string(r[i].first) + "+" + std::to_string(r[i].second);
+        out += "}";
+    }
+    return out;
+}
+
+class Pcre2 {
+public:
+    Pcre2(const std::string& pattern, uint32_t options) {
+        int err;
+        PCRE2_SIZE off;
+        code_ = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), pattern.size(), options, &err, &off,
+                              nullptr);
+        if (code_) data_ = pcre2_match_data_create_from_pattern(code_, nullptr);
+    }
+    ~Pcre2() {
+        pcre2_match_data_free(data_);
+        pcre2_code_free(code_);
+    }
+    bool ok() const { return code_ != nullptr; }
+
+    // 1 match, 0 none, -1 an error (match limit and such).
+    int Match(const std::string& s, size_t start, uint32_t options, Records& out, int groups) {
+        const int rc = pcre2_match(code_, reinterpret_cast<PCRE2_SPTR>(s.data()), s.size(), start, options, data_,
+                                   nullptr);
+        if (rc == PCRE2_ERROR_NOMATCH) return 0;
+        if (rc < 0) return -1;
+        const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(data_);
+        out.assign(size_t(groups), {-1, -1});
+        for (int i = 0; i < groups && i < rc; ++i)
+            if (ov[2 * i] != PCRE2_UNSET) out[size_t(i)] = {int(ov[2 * i]), int(ov[2 * i + 1] - ov[2 * i])};
+        return 1;
+    }
+
+private:
+    pcre2_code* code_ = nullptr;
+    pcre2_match_data* data_ = nullptr;
+};
+
+// Perl's global loop: after an empty match, retry at the same place for a
+// non-empty anchored match, else move one byte on.
+int Pcre2All(Pcre2& re, const std::string& s, int groups, std::vector<Records>& all, bool& sawEmpty) {
+    size_t pos = 0;
+    uint32_t flags = 0;
+    sawEmpty = false;
+    while (pos <= s.size()) {
+        Records r;
+        const int rc = re.Match(s, pos, flags, r, groups);
+        if (rc < 0) return -1;
+        if (rc == 0) {
+            if (flags == 0) break;
+            flags = 0;
+            ++pos;
+            continue;
+        }
+        all.push_back(r);
+        const size_t end = size_t(r[0].first + r[0].second);
+        if (r[0].second == 0) {
+            sawEmpty = true;
+            flags = PCRE2_NOTEMPTY_ATSTART | PCRE2_ANCHORED;
+        } else {
+            flags = 0;
+        }
+        pos = end;
+    }
+    return 0;
+}
+
+class Ours {
+public:
+    Ours(const std::string& pattern, const std::string& options) {
+        int size = 0;
+        vkpsRegExpGetSize(pattern.c_str(), &size);
+        block_.assign((size_t(size) + 7) / 8, 0);
+        int off = 0;
+        status_ = vkpsRegExpInit(pattern.c_str(), options.c_str(), state(), &off);
+        if (status_ == 0) vkpsRegExpSetFormat(0, state());
+    }
+    int status() const { return status_; }
+    vkpRegExpState* state() { return reinterpret_cast<vkpRegExpState*>(block_.data()); }
+
+    // Status of the search; matches hold the records as offsets.
+    int Find(const std::string& s, std::vector<Records>& matches, int perMatch) {
+        std::vector<vkpRegExpFind> rec(size_t(perMatch) * (2 * s.size() + 2) + 1);
+        int n = int(rec.size());
+        const auto* src = reinterpret_cast<const vkp8u*>(s.c_str());  // a zero byte stands behind
+        const int st = vkpsRegExpFind_8u(src, int(s.size()), state(), rec.data(), &n);
+        if (st < 0) return st;
+        for (int i = 0; i + perMatch <= n; i += perMatch) {
+            Records r;
+            for (int k = 0; k < perMatch; ++k) {
+                const vkpRegExpFind& f = rec[size_t(i + k)];
+                r.push_back(f.pMatch ? std::make_pair(int(f.pMatch - src), f.matchLen) : std::make_pair(-1, -1));
+            }
+            matches.push_back(r);
+        }
+        return st;
+    }
+
+private:
+    std::vector<uint64_t> block_;
+    int status_;
+};
+
+int EnvInt(const char* name, int fallback) {
+    const char* v = std::getenv(name);
+    return v && *v ? std::atoi(v) : fallback;
+}
+
+TEST(RegExpPeer, AgreesWithPcre2) {
+    const int seed = EnvInt("VKPCH_PEER_SEED", 20240601);
+    const int patterns = EnvInt("VKPCH_PEER_PATTERNS", 3000);
+    Rng rng{uint32_t(seed)};
+    int compared = 0, skipped = 0, mismatches = 0, globalCompared = 0;
+    for (int k = 0; k < patterns && mismatches < 20; ++k) {
+        std::string letters;
+        uint32_t peerOptions = 0;
+        if (Chance(rng, 25)) letters += 'i', peerOptions |= PCRE2_CASELESS;
+        if (Chance(rng, 25)) letters += 'm', peerOptions |= PCRE2_MULTILINE;
+        if (Chance(rng, 25)) letters += 's', peerOptions |= PCRE2_DOTALL;
+        if (Chance(rng, 15)) letters += 'x', peerOptions |= PCRE2_EXTENDED;
+        Generator gen(rng, letters.find('x') != std::string::npos, letters.find('i') != std::string::npos,
+                      Chance(rng, 60));
+        const std::string pattern = gen.Pattern();
+        const std::string where = "pattern \"" + Escaped(pattern) + "\" options \"" + letters + "\"";
+
+        Pcre2 peer(pattern, peerOptions);
+        Ours ours(pattern, letters);
+        if (!peer.ok()) {  // outside what the generator means to make
+            ++skipped;
+            continue;
+        }
+        if (ours.status() != 0) {
+            ADD_FAILURE() << where << ": compile status " << ours.status();
+            ++mismatches;
+            continue;
+        }
+        const int groups = ours.state()->groupCount;
+        const bool global = pattern.find("\\G") == std::string::npos;
+        Ours oursGlobal(pattern, letters + "g");
+        for (int j = 0; j < 24 && mismatches < 20; ++j) {
+            const std::string subject = Subject(rng);
+            std::vector<Records> want, got;
+            Records r;
+            const int rc = peer.Match(subject, 0, 0, r, groups);
+            if (rc < 0) {
+                ++skipped;
+                continue;
+            }
+            if (rc == 1) want.push_back(r);
+            const int st = ours.Find(subject, got, groups);
+            ++compared;
+            if (st != 0 || got != want) {
+                ADD_FAILURE() << where << " subject \"" << Escaped(subject) << "\": status " << st << ", "
+                              << Show(got) << ", expected " << Show(want);
+                ++mismatches;
+                continue;
+            }
+            if (!global) continue;
+            std::vector<Records> all, allGot;
+            bool sawEmpty = false;
+            if (Pcre2All(peer, subject, groups, all, sawEmpty) != 0 || sawEmpty) continue;
+            // With groups a global search reports records 1 to the last group.
+            for (Records& m : all)
+                if (groups > 1) m.erase(m.begin());
+            const int gst = oursGlobal.Find(subject, allGot, groups > 1 ? groups - 1 : 1);
+            ++globalCompared;
+            if (gst != 0 || allGot != all) {
+                ADD_FAILURE() << where << " global, subject \"" << Escaped(subject) << "\": status " << gst << ", "
+                              << Show(allGot) << ", expected " << Show(all);
+                ++mismatches;
+            }
+        }
+    }
+    std::printf("seed %d: %d single and %d global searches compared, %d skipped\n", seed, compared, globalCompared,
+                skipped);
+    EXPECT_GT(compared, patterns * 10);
+}
+
+}  // namespace
