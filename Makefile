@@ -3,6 +3,7 @@
 .PHONY: all deps demo test test-native test-sanitize test-windows fuzz bench install clean regen-unicode
 
 FUZZ_SECONDS ?= 20
+FUZZ_REGEXP_SECONDS ?= 60
 PREFIX ?= /usr/local
 
 all: deps
@@ -46,9 +47,11 @@ test-windows:
 	bash scripts/wine-init.sh
 	ctest --preset mingw
 
-# Short fuzz runs; FUZZ_SECONDS=600 make fuzz runs each target longer.
+# Short fuzz runs, the regexp targets a little longer; FUZZ_SECONDS=600 make
+# fuzz runs every target at least that long.
 fuzz:
-	bash scripts/run-fuzzers.sh build/sanitize/bin $(FUZZ_SECONDS)
+	bash scripts/run-fuzzers.sh build/sanitize/bin $(FUZZ_SECONDS) \
+	  fuzz_regexp_compile=$(FUZZ_REGEXP_SECONDS) fuzz_regexp_find=$(FUZZ_REGEXP_SECONDS)
 
 bench: deps
 	cmake --preset native
