@@ -1,0 +1,258 @@
+// Regexp search over 4 MiB of UTF-8 text (English words with e-mail
+// addresses, URIs, IPv4 addresses, dates and Greek phrases mixed in):
+// vkpsRegExpFind_8u against libpcre2 without JIT, libpcre2 with JIT and RE2.
+//
+// Every engine counts all matches the same way: search the rest of the text,
+// count the match, continue at its end (one byte further on after an empty
+// match), the rest of the text being a new subject each time. Each count is
+// checked against libpcre2's; a benchmark whose count differs reports an
+// error instead of a rate. A second form of ours counts with one global
+// search (option g), the way the library offers to find every match.
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <benchmark/benchmark.h>
+#include <pcre2.h>
+#include <re2/re2.h>
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "corpus.h"
+#include "ratio_table.h"
+#include "vkpch.h"
+
+namespace vkpbench {
+namespace {
+
+struct FindCase {
+    const char* name;
+    const char* options;  // "" or "i"
+    const char* pattern;
+    bool literalLed;
+};
+
+const FindCase kCases[] = {
+    {"literal word", "", "lighthouse", true},
+    {"word, ignoring case", "i", "keeper", true},
+    {"alternation of words", "", "keeper|lamp|harbour|trawler", true},
+    {"URI", "", R"(https?://[\w.-]+(?:/[\w./?=&%-]*)?)", true},
+    {"e-mail address", "", R"([\w.+-]+@[\w-]+\.[\w.-]+)", false},
+    {"IPv4 address", "", R"(\b(?:\d{1,3}\.){3}\d{1,3}\b)", false},
+    {"date", "", R"(\d{4}-\d{2}-\d{2})", false},
+    {"\\w+ing\\b", "", R"(\w+ing\b)", false},
+    {"\\p{Greek}+", "", R"(\p{Greek}+)", false},
+};
+
+// English text with a token after about one word in forty.
+std::string MixedText(size_t bytes) {
+    static const char* const kUsers[] = {"anna", "j.smith", "keeper", "ops+alerts", "m_rossi", "li.wei"};
+    static const char* const kHosts[] = {"example.org", "mail.example.com", "lighthouse.net", "harbour-office.co.uk"};
+    static const char* const kPaths[] = {"", "/", "/log/2019/june", "/index.html?id=42&tab=ships", "/a/b-c/d.txt"};
+    static const char* const kGreek[] = {"Καλημέρα", "κόσμε", "Ελλάδα", "φιλοσοφία", "θάλασσα", "φάρος"};
+    std::mt19937 rng(7);
+    auto pick = [&rng](auto& list) { return list[rng() % (sizeof list / sizeof list[0])]; };
+    std::istringstream words(EnglishText(bytes));
+    std::string text, w;
+    text.reserve(bytes + 256);
+    while (text.size() < bytes && words >> w) {
+        text += w;
+        text += rng() % 12 == 0 ? '\n' : ' ';
+        if (rng() % 40) continue;
+        switch (rng() % 5) {
+        case 0: text += std::string(pick(kUsers)) + "@" + pick(kHosts); break;
+        case 1: text += std::string(rng() % 2 ? "https://" : "http://") + pick(kHosts) + pick(kPaths); break;
+        case 2:
+            text += std::to_string(rng() % 256) + "." + std::to_string(rng() % 256) + "." + std::to_string(rng() % 256) +
+                    "." + std::to_string(rng() % 256);
+            break;
+        case 3: {
+            char date[16];
+            std::snprintf(date, sizeof date, "%04u-%02u-%02u", 1900 + unsigned(rng() % 130), 1 + unsigned(rng() % 12),
+                          1 + unsigned(rng() % 28));
+            text += date;
+            break;
+        }
+        default:
+            text += pick(kGreek);
+            if (rng() % 2) text += std::string(" ") + pick(kGreek);
+        }
+        text += ' ';
+    }
+    return text;
+}
+
+const std::string& Text() {
+    static const std::string text = MixedText(4 << 20);
+    return text;
+}
+
+// A counting engine: how many matches the pattern has in the text.
+class Engine {
+public:
+    virtual ~Engine() = default;
+    virtual int64_t Count(const std::string& text) = 0;
+};
+
+class Ours : public Engine {
+public:
+    Ours(const FindCase& c, bool global, int64_t expected) : global_(global) {
+        const std::string letters = std::string(c.options) + (global ? "g" : "");
+        int size = 0;
+        vkpsRegExpGetSize(c.pattern, &size);
+        block_.resize((size_t(size) + 7) / 8);
+        int offset = 0;
+        ok_ = vkpsRegExpInit(c.pattern, letters.c_str(), state(), &offset) == 0;
+        // A global search reports record 0 alone for patterns without groups.
+        records_.resize(global ? size_t(expected) + 16 : 1);
+    }
+    bool ok() const { return ok_; }
+
+    int64_t Count(const std::string& text) override {
+        const auto* t = reinterpret_cast<const vkp8u*>(text.data());
+        const int len = int(text.size());
+        if (global_) {
+            int n = int(records_.size());
+            return vkpsRegExpFind_8u(t, len, state(), records_.data(), &n) >= 0 ? n : -1;
+        }
+        int64_t count = 0;
+        for (int pos = 0; pos <= len;) {
+            int n = 1;
+            const int st = vkpsRegExpFind_8u(t + pos, len - pos, state(), records_.data(), &n);
+            if (st < 0) return -1;
+            if (n == 0) break;
+            ++count;
+            const int end = int(records_[0].pMatch - t) + records_[0].matchLen;
+            pos = records_[0].matchLen > 0 ? end : end + 1;
+        }
+        return count;
+    }
+
+private:
+    vkpRegExpState* state() { return reinterpret_cast<vkpRegExpState*>(block_.data()); }
+    bool global_, ok_;
+    std::vector<uint64_t> block_;
+    std::vector<vkpRegExpFind> records_;
+};
+
+class Pcre2 : public Engine {
+public:
+    Pcre2(const FindCase& c, bool jit) : jit_(jit) {
+        int err;
+        PCRE2_SIZE off;
+        const uint32_t options = PCRE2_UTF | (c.options[0] == 'i' ? PCRE2_CASELESS : 0);
+        code_ = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(c.pattern), PCRE2_ZERO_TERMINATED, options, &err, &off,
+                              nullptr);
+        if (code_ && jit && pcre2_jit_compile(code_, PCRE2_JIT_COMPLETE) != 0) {
+            pcre2_code_free(code_);
+            code_ = nullptr;
+        }
+        if (code_) data_ = pcre2_match_data_create_from_pattern(code_, nullptr);
+    }
+    ~Pcre2() override {
+        pcre2_match_data_free(data_);
+        pcre2_code_free(code_);
+    }
+    bool ok() const { return code_ != nullptr; }
+
+    int64_t Count(const std::string& text) override {
+        const auto* t = reinterpret_cast<PCRE2_SPTR>(text.data());
+        const size_t len = text.size();
+        int64_t count = 0;
+        for (size_t pos = 0; pos <= len;) {
+            // The text is valid UTF-8 by construction: no check per call.
+            const int rc = jit_ ? pcre2_jit_match(code_, t + pos, len - pos, 0, 0, data_, nullptr)
+                                : pcre2_match(code_, t + pos, len - pos, 0, PCRE2_NO_UTF_CHECK, data_, nullptr);
+            if (rc == PCRE2_ERROR_NOMATCH) break;
+            if (rc < 0) return -1;
+            const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(data_);
+            ++count;
+            pos += ov[1] > ov[0] ? ov[1] : ov[1] + 1;
+        }
+        return count;
+    }
+
+private:
+    bool jit_;
+    pcre2_code* code_ = nullptr;
+    pcre2_match_data* data_ = nullptr;
+};
+
+class Re2 : public Engine {
+public:
+    explicit Re2(const FindCase& c) : re_(c.pattern, Options(c)) {}
+    bool ok() const { return re_.ok(); }
+
+    int64_t Count(const std::string& text) override {
+        int64_t count = 0;
+        for (size_t pos = 0; pos <= text.size();) {
+            const re2::StringPiece rest(text.data() + pos, text.size() - pos);
+            re2::StringPiece m;
+            if (!re_.Match(rest, 0, rest.size(), re2::RE2::UNANCHORED, &m, 1)) break;
+            ++count;
+            const size_t end = size_t(m.data() - text.data()) + m.size();
+            pos = m.size() > 0 ? end : end + 1;
+        }
+        return count;
+    }
+
+private:
+    static re2::RE2::Options Options(const FindCase& c) {
+        re2::RE2::Options o;
+        o.set_case_sensitive(c.options[0] != 'i');
+        o.set_log_errors(false);
+        return o;
+    }
+    re2::RE2 re_;
+};
+
+void Run(benchmark::State& st, Engine* engine, int64_t expected) {
+    const std::string& text = Text();
+    int64_t count = 0;
+    for (auto _ : st) count = engine->Count(text);
+    st.SetBytesProcessed(int64_t(st.iterations()) * int64_t(text.size()));
+    st.counters["matches"] = double(count);
+    if (count != expected)
+        st.SkipWithError(("counted " + std::to_string(count) + ", pcre2 counts " + std::to_string(expected)).c_str());
+}
+
+void Register() {
+    static std::vector<std::unique_ptr<Engine>> engines;
+    for (const FindCase& c : kCases) {
+        auto reference = std::make_unique<Pcre2>(c, false);
+        if (!reference->ok()) continue;
+        const int64_t expected = reference->Count(Text());
+        auto jit = std::make_unique<Pcre2>(c, true);
+        auto re2 = std::make_unique<Re2>(c);
+        auto ours = std::make_unique<Ours>(c, false, expected);
+        auto oursGlobal = std::make_unique<Ours>(c, true, expected);
+        const std::string base = std::string("RegExpFind/") + c.name + "/";
+        struct Entry {
+            const char* impl;
+            Engine* engine;
+            bool ok;
+        } entries[] = {{"vkp", ours.get(), ours->ok()},       {"vkp_global", oursGlobal.get(), oursGlobal->ok()},
+                       {"pcre2", reference.get(), true},      {"pcre2_jit", jit.get(), jit->ok()},
+                       {"re2", re2.get(), re2->ok()}};
+        for (const Entry& e : entries) {
+            if (!e.ok) continue;
+            benchmark::RegisterBenchmark((base + e.impl).c_str(), Run, e.engine, expected)->MinTime(0.1);
+        }
+        const std::string row = std::string("RegExpFind_8u ") + c.name;
+        AddRatio(row + " / pcre2", base + "vkp", base + "pcre2");
+        AddRatio(row + " / pcre2 JIT", base + "vkp", base + "pcre2_jit");
+        AddRatio(row + " / RE2", base + "vkp", base + "re2");
+        AddRatio(row + ", global / pcre2 JIT", base + "vkp_global", base + "pcre2_jit");
+        for (auto* e : {static_cast<Engine*>(reference.release()), static_cast<Engine*>(jit.release()),
+                        static_cast<Engine*>(re2.release()), static_cast<Engine*>(ours.release()),
+                        static_cast<Engine*>(oursGlobal.release())})
+            engines.emplace_back(e);
+    }
+}
+
+const int registered = (Register(), 0);
+
+}  // namespace
+}  // namespace vkpbench
