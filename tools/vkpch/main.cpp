@@ -9,7 +9,8 @@ namespace {
 constexpr const char* kUsage =
     "usage: vkpch version\n"
     "       vkpch find [--rev] NEEDLE [FILE...]\n"
-    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n";
+    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n"
+    "       vkpch compile [-o OPTIONS] PATTERN\n";
 
 }  // namespace
 
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
     const Args args(argv + 2, argv + argc);
     if (command == "version") return CmdVersion(args);
     if (command == "find") return CmdFind(args);
+    if (command == "compile") return CmdCompile(args);
 #ifdef VKPCH_HAVE_REGEXP_FIND
     if (command == "grep") return CmdGrep(args);
 #endif

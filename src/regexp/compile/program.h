@@ -40,6 +40,12 @@ enum Opcode : u32 {
     OP_EXTENDED = 0x1000001a,      // no operands
 };
 
+// Class members: an OP_CLASS is followed by b member records. Member
+// OP_CHAR, OP_CODEPOINT and OP_RANGE records carry c = 0, or c = -1 when
+// they come from a negated POSIX name ([:^name:]): such a member matches
+// every character outside it. Member OP_TYPE, OP_CATEGORY, OP_BLOCK and
+// OP_SCRIPT records use their own negation operands.
+//
 // Maximum of a repeat that stands for "unlimited".
 constexpr int kRepeatUnlimited = 0x3FFFFFFF;
 
