@@ -57,7 +57,7 @@ bool MayHoldReference(const std::string& p) {
 }
 
 void PrintBadPattern(const std::string& pattern, int status, int offset) {
-    std::fprintf(stderr, "vkpch: grep: bad pattern: status %d at offset %d\n  %s\n  %*s^\n", status, offset,
+    std::fprintf(stderr, "vkpch: grep: pattern error %d at offset %d\n  %s\n  %*s^\n", status, offset,
                  pattern.c_str(), offset, "");
 }
 
