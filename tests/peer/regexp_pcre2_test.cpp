@@ -27,7 +27,9 @@
 //  - \p{Lu} and \p{Ll} never under case folding; no `{` as a literal, no
 //    `{,n}`, no octal escapes, no \G in global searches;
 //  - global searches are compared only when no match is empty (the retry
-//    after an empty match sees a one-byte subject here).
+//    after an empty match sees a one-byte subject here), and not for patterns
+//    that begin with .* or .+ (their implicit anchor lets a later match start
+//    only at a line start).
 //
 // VKPCH_PEER_SEED and VKPCH_PEER_PATTERNS change the seed and the number of
 // patterns; every mismatch prints the pattern, options and subject.
@@ -348,8 +350,10 @@ public:
     Pcre2(const std::string& pattern, uint32_t options) {
         int err;
         PCRE2_SIZE off;
-        code_ = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), pattern.size(), options, &err, &off,
-                              nullptr);
+        // Without auto-possessification: 10.42 makes \P{Lu}? possessive before
+        // \P{Ll}, so that \P{Lu}?\P{Ll} does not match "1".
+        code_ = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.c_str()), pattern.size(),
+                              options | PCRE2_NO_AUTO_POSSESS, &err, &off, nullptr);
         if (code_) data_ = pcre2_match_data_create_from_pattern(code_, nullptr);
     }
     ~Pcre2() {
@@ -443,10 +447,19 @@ private:
 
 // A program that begins with a literal under a lazy repeat of minimum 0 and
 // is still of kind 1 (it begins with a literal).
+const vkpRegExpInstruction* Program(const vkpRegExpState* st) {
+    return reinterpret_cast<const vkpRegExpInstruction*>(reinterpret_cast<const unsigned char*>(st) +
+                                                         VKP_REGEXP_HEAD_SIZE);
+}
+
 bool LazyOptionalLead(const vkpRegExpState* st) {
-    const auto* prog = reinterpret_cast<const vkpRegExpInstruction*>(reinterpret_cast<const unsigned char*>(st) +
-                                                                      VKP_REGEXP_HEAD_SIZE);
+    const vkpRegExpInstruction* prog = Program(st);
     return st->patternKind == 1 && st->instructionCount > 1 && prog[1].op == 0x10000008u && prog[1].a == 0;
+}
+
+// The compiler's implicit anchor (a program that begins with .* or .+).
+bool ImplicitAnchor(const vkpRegExpState* st) {
+    return st->instructionCount > 0 && Program(st)[0].op == 0x10000005u && Program(st)[0].a == 128;
 }
 
 int EnvInt(const char* name, int fallback) {
@@ -487,7 +500,7 @@ void RunDifferential(bool capturesAnywhere) {
             continue;
         }
         const int groups = ours.state()->groupCount;
-        const bool global = pattern.find("\\G") == std::string::npos;
+        const bool global = pattern.find("\\G") == std::string::npos && !ImplicitAnchor(ours.state());
         Ours oursGlobal(pattern, letters + "g");
         for (int j = 0; j < 24 && mismatches < 40; ++j) {
             const std::string subject = Subject(rng);
