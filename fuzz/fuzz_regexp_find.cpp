@@ -91,7 +91,7 @@ void Search(const char* pattern, const char* options, bool global, int format, u
     const int room = (control >> 3) & 7;
     // A global search reports at most 2 * len + 2 matches.
     const int capacity = room ? room : perMatch * (global ? 2 * len + 2 : 1);
-    std::vector<vkpRegExpFind> rec(size_t(capacity));
+    std::vector<vkpRegExpFind> rec(static_cast<size_t>(capacity));
     int count = capacity;
     searching = 1;
     if (sigsetjmp(abandon, 1)) {
