@@ -1,0 +1,11 @@
+# vkpch(EXPECTED_RC OUT_VAR ARGS...): runs the tool (under the emulator when
+# cross-built), checks its exit status and returns stdout + stderr.
+function(vkpch expected_rc out_var)
+  execute_process(COMMAND ${EMULATOR} ${VKPCH} ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  string(REPLACE "\r" "" out "${out}")
+  string(REPLACE "\r" "" err "${err}")
+  if(NOT rc EQUAL expected_rc)
+    message(FATAL_ERROR "vkpch ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
+  endif()
+  set(${out_var} "${out}${err}" PARENT_SCOPE)
+endfunction()
