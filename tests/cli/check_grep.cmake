@@ -75,6 +75,13 @@ expect("-o \\p{Greek}+" "${out}" "Καλημέρα\nκόσμε\n")
 vkpch(0 out grep -n "d\\b" ${WORK_DIR}/utf8.txt)
 expect("-n d\\b" "${out}" "3:end\n")
 
+# More matches on one line than the tool's first record array holds.
+string(REPEAT "ab " 150 many)
+file(WRITE ${WORK_DIR}/many.txt "${many}\n")
+string(REPEAT "ab\n" 150 expected)
+vkpch(0 out grep -o "a(b)" ${WORK_DIR}/many.txt)
+expect("-o on 150 matches in a line" "${out}" "${expected}")
+
 vkpch(1 out grep "no such words" ${SAMPLE})
 expect("without a match" "${out}" "")
 vkpch(2 out grep "ab(c" ${SAMPLE})

@@ -4,6 +4,7 @@
 // are the pattern's option letters; -o prints every non-empty match instead of
 // the line, -c the number of matching lines, -n prefixes line numbers. With
 // several files each output line is prefixed by "FILE:".
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -120,10 +121,16 @@ private:
             return true;
         }
         // A global search reports at most one empty and one non-empty match per
-        // position: room for 2 * len + 2 matches.
-        records_.resize(size_t(perMatch_) * (2 * size_t(len) + 2));
-        int count = int(records_.size());
-        if (!Find(*matches_, line, len, &count, lineNo, name)) return false;
+        // position, 2 * len + 2 in all; the array starts small and grows while
+        // the search fills it.
+        const size_t most = std::min(size_t(perMatch_) * (2 * size_t(len) + 2), size_t(INT32_MAX));
+        int count = 0;
+        for (size_t room = std::min(most, size_t(perMatch_) * 64);; room = std::min(most, 2 * room)) {
+            records_.resize(room);
+            count = int(room);
+            if (!Find(*matches_, line, len, &count, lineNo, name)) return false;
+            if (size_t(count) < room || room == most) break;
+        }
         bool printed = false;
         for (int r = 0; r + perMatch_ <= count; r += perMatch_) {
             const vkpRegExpFind& m = records_[size_t(r)];
