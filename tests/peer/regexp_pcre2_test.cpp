@@ -288,7 +288,8 @@ private:
         }
         if (roll < 86 && !fixedOnly && !lookaround_ && !closedNonEmpty_.empty()) {
             Piece p;
-            p.text = "\\" + std::to_string(closedNonEmpty_[size_t(Pick(rng_, 0, int(closedNonEmpty_.size()) - 1))]);
+            p.text = "\\";
+            p.text += std::to_string(closedNonEmpty_[size_t(Pick(rng_, 0, int(closedNonEmpty_.size()) - 1))]);
             p.minLen = 1;
             p.maxLen = kUnbounded;
             p.single = true;
@@ -339,7 +340,7 @@ std::string Show(const std::vector<Records>& matches) {
     for (const Records& r : matches) {
         out += "{";
         for (size_t i = 0; i < r.size(); ++i)
-            out += (i ? " " : "") + std::to_string(r[i].first) + "+" + std::to_string(r[i].second);
+            out.append(i ? " " : "").append(std::to_string(r[i].first)).append("+").append(std::to_string(r[i].second));
         out += "}";
     }
     return out;
