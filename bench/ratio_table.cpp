@@ -47,11 +47,11 @@ int RunAndSummarize(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     CollectingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\n%-44s %12s %12s %8s\n", "comparison (ours vs peer)", "ours MB/s", "peer MB/s", "ratio");
+    std::printf("\n%-58s %12s %12s %8s\n", "comparison (ours vs peer)", "ours MB/s", "peer MB/s", "ratio");
     for (const Row& r : Rows()) {
         auto a = reporter.rate.find(r.ours), b = reporter.rate.find(r.peer);
         if (a == reporter.rate.end() || b == reporter.rate.end()) continue;  // filtered out
-        std::printf("%-44s %12.0f %12.0f %8.2f\n", r.row.c_str(), a->second / 1e6, b->second / 1e6,
+        std::printf("%-58s %12.0f %12.0f %8.2f\n", r.row.c_str(), a->second / 1e6, b->second / 1e6,
                     a->second / b->second);
     }
     benchmark::Shutdown();
