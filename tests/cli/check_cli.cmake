@@ -1,15 +1,7 @@
 cmake_minimum_required(VERSION 3.25)
 # The vkpch tool end to end: version, find forward and backward on the
 # bundled sample, and one-line errors with a non-zero exit.
-function(vkpch expected_rc out_var)
-  execute_process(COMMAND ${EMULATOR} ${VKPCH} ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  string(REPLACE "\r" "" out "${out}")
-  string(REPLACE "\r" "" err "${err}")
-  if(NOT rc EQUAL expected_rc)
-    message(FATAL_ERROR "vkpch ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
-  endif()
-  set(${out_var} "${out}${err}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run_vkpch.cmake)
 
 vkpch(0 out version)
 if(NOT out MATCHES "^vkpCH (SSSE3 \\(u8\\)|Atom \\(n8\\)) 8\\.2\\.3 \\(r48108\\)")

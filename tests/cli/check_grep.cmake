@@ -1,16 +1,7 @@
 cmake_minimum_required(VERSION 3.25)
 # vkpch grep end to end on the bundled sample: the expected lines and matches
 # are worked out here with CMake's own string functions.
-function(vkpch expected_rc out_var)
-  execute_process(COMMAND ${EMULATOR} ${VKPCH} ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err
-    ${STDIN})
-  string(REPLACE "\r" "" out "${out}")
-  string(REPLACE "\r" "" err "${err}")
-  if(NOT rc EQUAL expected_rc)
-    message(FATAL_ERROR "vkpch ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
-  endif()
-  set(${out_var} "${out}${err}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run_vkpch.cmake)
 
 function(expect what got expected)
   if(NOT got STREQUAL expected)

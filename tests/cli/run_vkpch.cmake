@@ -1,7 +1,9 @@
 # vkpch(EXPECTED_RC OUT_VAR ARGS...): runs the tool (under the emulator when
-# cross-built), checks its exit status and returns stdout + stderr.
+# cross-built), checks its exit status and returns stdout + stderr. A caller
+# may set STDIN to extra execute_process arguments (INPUT_FILE ...).
 function(vkpch expected_rc out_var)
-  execute_process(COMMAND ${EMULATOR} ${VKPCH} ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  execute_process(COMMAND ${EMULATOR} ${VKPCH} ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err
+    ${STDIN})
   string(REPLACE "\r" "" out "${out}")
   string(REPLACE "\r" "" err "${err}")
   if(NOT rc EQUAL expected_rc)
