@@ -8,33 +8,6 @@
 
 namespace vkp::regexp {
 
-// Is `op` the opener of a group (it is followed by its body and an OP_KET)?
-VKP_INLINE bool IsOpener(u32 op) {
-    return op >= OP_LOOKBEHIND && op <= OP_ATOMIC && op != OP_KET;
-}
-VKP_INLINE bool IsLookaround(u32 op) { return op >= OP_LOOKBEHIND && op <= OP_NLOOKAHEAD; }
-VKP_INLINE bool IsRepeat(u32 op) { return op == OP_LAZY_REPEAT || op == OP_GREEDY_REPEAT; }
-
-// Instructions that match one character (or one literal run) of fixed width.
-VKP_INLINE bool IsSingleItem(u32 op) {
-    switch (op) {
-        case OP_CHAR: case OP_TYPE: case OP_CODEPOINT: case OP_CATEGORY:
-        case OP_BLOCK: case OP_SCRIPT: case OP_EXTENDED:
-            return true;
-        default:
-            return false;
-    }
-}
-
-// Index of the record behind the item at i: a closed group is passed over
-// with its body and OP_KET, a class with its members.
-VKP_INLINE int NextItem(const Instruction* prog, int i) {
-    const u32 op = prog[i].op;
-    if (IsOpener(op)) return i + prog[i].b + 2;
-    if (op == OP_CLASS) return i + prog[i].b + 1;
-    return i + 1;
-}
-
 // Escape helpers shared by the main pass and classes.
 int ControlEscape(char e);  // \a \e \f \n \r \t \v, else -1
 int ControlLetter(char c);  // \c + letter

@@ -52,6 +52,34 @@ constexpr int kRepeatUnlimited = 0x3FFFFFFF;
 // The 24-byte record of the public header: op, a, b, c, d.
 using Instruction = vkpRegExpInstruction;
 
+// Readers of the program.
+// Is `op` the opener of a group (it is followed by its body and an OP_KET)?
+inline bool IsOpener(u32 op) {
+    return op >= OP_LOOKBEHIND && op <= OP_ATOMIC;
+}
+inline bool IsLookaround(u32 op) { return op >= OP_LOOKBEHIND && op <= OP_NLOOKAHEAD; }
+inline bool IsRepeat(u32 op) { return op == OP_LAZY_REPEAT || op == OP_GREEDY_REPEAT; }
+
+// Instructions that match one character (or one literal run) of fixed width.
+inline bool IsSingleItem(u32 op) {
+    switch (op) {
+        case OP_CHAR: case OP_TYPE: case OP_CODEPOINT: case OP_CATEGORY:
+        case OP_BLOCK: case OP_SCRIPT: case OP_EXTENDED:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Index of the record behind the item at i: a closed group is passed over
+// with its body and OP_KET, a class with its members.
+inline int NextItem(const Instruction* prog, int i) {
+    const u32 op = prog[i].op;
+    if (IsOpener(op)) return i + prog[i].b + 2;
+    if (op == OP_CLASS) return i + prog[i].b + 1;
+    return i + 1;
+}
+
 static_assert(sizeof(void*) == 8, "the program format assumes 64-bit pointers");
 static_assert(sizeof(Instruction) == 24);
 static_assert(offsetof(Instruction, op) == 0);

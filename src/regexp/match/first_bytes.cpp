@@ -1,0 +1,146 @@
+#include "regexp/match/first_bytes.h"
+
+namespace vkp::regexp {
+namespace {
+
+constexpr u32 kCaseless = 4;
+constexpr u32 kDotAll = 1;
+
+enum Outcome { kConsumes, kMayBeEmpty, kUnknown };
+
+void AddByte(ByteSet* set, u8 b, u32 options) {
+    set->Add(b);
+    if ((options & kCaseless) && static_cast<u8>((b | 0x20) - 'a') < 26) set->Add(b ^ 0x20);
+}
+
+// Bytes of the classes \d \s \w; the upper-case forms take the complement
+// (which includes every byte of a multi-byte character).
+void AddType(ByteSet* set, int type) {
+    ByteSet t{};
+    switch (type | 0x20) {
+        case 'd': t.AddRange('0', '9'); break;
+        case 's': t.Add(9); t.Add(10); t.Add(12); t.Add(13); t.Add(32); break;
+        case 'w': t.AddRange('0', '9'); t.AddRange('A', 'Z'); t.AddRange('a', 'z'); t.Add('_'); break;
+        default: break;
+    }
+    const bool complement = type != '.' && (type & 0x20) == 0;
+    for (int k = 0; k < 8; ++k) set->bits[k] |= complement ? ~t.bits[k] : t.bits[k];
+}
+
+// A character at or above 128 begins with a byte at or above 128 (a lead
+// byte, or the byte itself when it is not valid UTF-8).
+void AddHigh(ByteSet* set) { set->AddRange(0x80, 0xFF); }
+
+Outcome ClassFirst(const Instruction* prog, int at, u32 options, ByteSet* set) {
+    if (prog[at].a != 0) return kUnknown;  // negated
+    for (int m = at + 1; m <= at + prog[at].b; ++m) {
+        const Instruction& ins = prog[m];
+        switch (ins.op) {
+            case OP_CHAR:
+            case OP_CODEPOINT:
+                if (ins.c != 0 || ((options & kCaseless) && ins.a >= 128)) return kUnknown;
+                if (ins.a < 128) AddByte(set, static_cast<u8>(ins.a), options);
+                else AddHigh(set);
+                break;
+            case OP_RANGE:
+                if (ins.c != 0 || ins.a > ins.b) return kUnknown;
+                if ((options & kCaseless) && ins.b >= 128) return kUnknown;
+                for (int b = ins.a; b <= ins.b && b < 128; ++b) AddByte(set, static_cast<u8>(b), options);
+                if (ins.b >= 128) AddHigh(set);
+                break;
+            case OP_TYPE: AddType(set, ins.a); break;
+            default: return kUnknown;  // properties may hold ASCII characters
+        }
+    }
+    return kConsumes;
+}
+
+Outcome SequenceFirst(const Instruction* prog, int from, int to, u32* options, ByteSet* set);
+
+// The alternatives of [from, to), split at the bars whose a is `link`.
+Outcome AlternativesFirst(const Instruction* prog, int from, int to, int link, u32 options, ByteSet* set) {
+    Outcome all = kConsumes;
+    int begin = from;
+    for (int i = from;; i = NextItem(prog, i)) {
+        if (i >= to || (prog[i].op == OP_ALT && prog[i].a == link)) {
+            u32 branchOptions = options;
+            const Outcome o = SequenceFirst(prog, begin, i < to ? i : to, &branchOptions, set);
+            if (o == kUnknown) return kUnknown;
+            if (o == kMayBeEmpty) all = kMayBeEmpty;
+            if (i >= to) return all;
+            options = static_cast<u32>(prog[i].b);
+            begin = i + 1;
+        }
+    }
+}
+
+Outcome ItemFirst(const Instruction* prog, int i, u32* options, ByteSet* set) {
+    const Instruction& ins = prog[i];
+    switch (ins.op) {
+        case OP_CHAR: AddByte(set, static_cast<u8>(ins.a), *options); return kConsumes;
+        case OP_STRING: AddByte(set, static_cast<const u8*>(ins.d)[0], *options); return kConsumes;
+        case OP_TYPE:
+            if (ins.a == '.') {
+                AddType(set, 'S');
+                AddType(set, 's');
+                if (!(*options & kDotAll)) set->bits[0] &= ~(u32(1) << 10);
+            } else {
+                AddType(set, ins.a);
+            }
+            return kConsumes;
+        case OP_CODEPOINT:
+            if (*options & kCaseless) return kUnknown;  // a partner may be ASCII
+            if (ins.a < 128) set->Add(static_cast<u8>(ins.a));
+            else AddHigh(set);
+            return kConsumes;
+        case OP_BLOCK:
+        case OP_SCRIPT: {
+            // Only sets of characters at or above 128, compared as they are.
+            if ((*options & kCaseless) || (ins.op == OP_BLOCK ? ins.c : ins.b) != 0) return kUnknown;
+            const u32 low = ins.op == OP_BLOCK ? static_cast<u32>(ins.a) : static_cast<const u32*>(ins.d)[0];
+            if (low < 128) return kUnknown;
+            AddHigh(set);
+            return kConsumes;
+        }
+        case OP_CLASS: return ClassFirst(prog, i, *options, set);
+        case OP_ANCHOR:
+        case OP_LOOKAHEAD:
+        case OP_NLOOKAHEAD:
+        case OP_LOOKBEHIND:
+        case OP_NLOOKBEHIND: return kMayBeEmpty;  // zero-width: the next item decides
+        case OP_SETFLAGS:
+            *options = static_cast<u32>(ins.a);
+            return kMayBeEmpty;
+        case OP_CAPTURE:
+        case OP_GROUP:
+        case OP_ATOMIC:
+        case OP_FLAGGROUP: {
+            const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : *options;
+            const Outcome o = AlternativesFirst(prog, i + 1, i + 1 + ins.b, ins.a, inner, set);
+            *options = static_cast<u32>(prog[i + 1 + ins.b].b);  // as the OP_KET restores them
+            return o;
+        }
+        default: return kUnknown;
+    }
+}
+
+Outcome SequenceFirst(const Instruction* prog, int from, int to, u32* options, ByteSet* set) {
+    for (int i = from; i < to;) {
+        const Outcome o = ItemFirst(prog, i, options, set);
+        if (o == kUnknown) return kUnknown;
+        const int next = NextItem(prog, i);
+        const bool optional = next < to && IsRepeat(prog[next].op) && prog[next].a == 0;
+        if (o == kConsumes && !optional) return kConsumes;
+        i = next < to && IsRepeat(prog[next].op) ? next + 1 : next;
+    }
+    return kMayBeEmpty;
+}
+
+}  // namespace
+
+bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set) {
+    *set = ByteSet{};
+    return count > 0 && AlternativesFirst(program, 0, count, 0, options, set) == kConsumes;
+}
+
+}  // namespace vkp::regexp
