@@ -9,6 +9,7 @@ using Args = std::vector<std::string>;
 
 int CmdVersion(const Args& args);
 int CmdFind(const Args& args);
+int CmdCompile(const Args& args);
 
 // Prints "vkpch: MESSAGE" to standard error and returns 2.
 int Fail(const std::string& message);

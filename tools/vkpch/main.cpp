@@ -8,7 +8,8 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: vkpch version\n"
-    "       vkpch find [--rev] NEEDLE [FILE...]\n";
+    "       vkpch find [--rev] NEEDLE [FILE...]\n"
+    "       vkpch compile [-o OPTIONS] PATTERN\n";
 
 }  // namespace
 
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
     const Args args(argv + 2, argv + argc);
     if (command == "version") return CmdVersion(args);
     if (command == "find") return CmdFind(args);
+    if (command == "compile") return CmdCompile(args);
     if (command == "--help" || command == "-h" || command == "help") {
         std::fputs(kUsage, stdout);
         return 0;

@@ -5,12 +5,12 @@ namespace vkp {
 
 namespace {
 
-struct CategoryName {
+struct CategoryEntry {
     char name[3];
     u32 bits;
 };
 
-constexpr CategoryName kCategoryNames[] = {
+constexpr CategoryEntry kCategoryNames[] = {
     {"Ll", kCatLl}, {"Lu", kCatLu}, {"Lt", kCatLt}, {"Lm", kCatLm},
     {"Lo", kCatLo}, {"L&", kCatLCased},
     {"Mn", kCatMn}, {"Mc", kCatMc}, {"Me", kCatMe},
@@ -44,6 +44,15 @@ bool NameWithBrace(const char* name, size_t avail, const char* word, size_t n) {
 
 }  // namespace
 
+const char* CategoryName(u32 bits) {
+    static constexpr const char* kMajors[] = {"L", "M", "Z", "S", "N", "P", "C"};
+    for (const CategoryEntry& c : kCategoryNames)
+        if (c.bits == bits) return c.name;
+    for (int i = 0; i < 7; ++i)
+        if (bits == (kCatL << i)) return kMajors[i];
+    return nullptr;
+}
+
 u32 MajorCategory(char letter) {
     switch (letter) {
         case 'L': return kCatL;
@@ -63,7 +72,7 @@ u32 FindCategory(const char* name, size_t avail, int* length) {
         return MajorCategory(name[0]);
     }
     if (avail < 2) return 0;
-    for (const CategoryName& cat : kCategoryNames) {
+    for (const CategoryEntry& cat : kCategoryNames) {
         if (name[0] != cat.name[0] || name[1] != cat.name[1]) continue;
         if (cat.bits == kCatCo && !(avail > 2 && name[2] == '}')) return 0;
         *length = 2;

@@ -64,6 +64,9 @@ extern const ScriptRecord kScripts[kScriptCount];
 // script). *length receives the bytes of the name (1 or 2), not the '}'.
 u32 FindCategory(const char* name, size_t avail, int* length);
 
+// The name of a category value ("Lu", "L&", "L"), or null.
+const char* CategoryName(u32 bits);
+
 // Category bits for a major letter used without braces (\pL), or 0.
 u32 MajorCategory(char letter);
 
