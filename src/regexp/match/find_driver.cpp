@@ -69,9 +69,19 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     const int groups = state->groupCount;
     int effLen = srcLen;
 
+    // The first top-level bar, if any.
+    int firstBar = count;
+    for (int i = 0; i < count; ++i)
+        if (program[i].op == OP_ALT && program[i].a == 0) {
+            firstBar = i;
+            break;
+        }
+
     // 1. Nothing of a match can lie beyond the last occurrence of the last
-    // literal when only repeat records follow it.
-    if (state->lastLiteralIndex >= 0 && state->lastLiteralIndex < count) {
+    // literal when only repeat records follow it. Not with a top-level bar:
+    // the literal then ends one alternative only (the compiler can report
+    // a last literal behind a bar once a repeat has cleared its marker).
+    if (state->lastLiteralIndex >= 0 && state->lastLiteralIndex < count && firstBar == count) {
         const Instruction& ins = program[state->lastLiteralIndex];
         const Literal lit = LiteralOf(ins);
         if (lit.length > 0) {
@@ -111,11 +121,11 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
         }
     }
 
-    // 3. A leading literal: start at its first occurrence. When it does
-    // not occur the full search still runs (the literal may be optional
-    // through a lazy repeat).
+    // 3. A leading literal: start at its first occurrence. A literal that a
+    // lazy repeat makes optional cannot move the start (a match may begin
+    // before it); when the literal does not occur the full search runs.
     const u8* start = src;
-    if (state->patternKind == 1 && count > 0) {
+    if (state->patternKind == 1 && count > 0 && !(count > 1 && IsRepeat(&program[1]) && program[1].a == 0)) {
         const Literal lit = LiteralOf(program[0]);
         if (lit.length > 0) {
             const int i = FindLiteral(src, effLen, lit.bytes, lit.length, (program[0].c & kOptIgnoreCase) != 0);
@@ -130,13 +140,8 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     int anchorMode = 0;
     int firstAlternative = 0;
     if (count > 0 && program[0].op == OP_ANCHOR) {
-        firstAlternative = count;
-        for (int i = 0; i < count; ++i)
-            if (program[i].op == OP_ALT && program[i].a == 0) {
-                firstAlternative = i;
-                break;
-            }
-        if (firstAlternative == count) {
+        firstAlternative = firstBar;
+        if (firstBar == count) {
             const int a = program[0].a;
             if (a == 'A' || a == 'G') anchorMode = 2;
             else if (a == '^') anchorMode = options & kOptMultiline ? 1 : 2;

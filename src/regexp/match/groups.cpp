@@ -7,7 +7,9 @@
 //   each iteration, and backtracking returns into earlier iterations.
 // - An iteration that consumed nothing ends the repetition (once the
 //   minimum is reached), so (a?)* and (?:)* cannot loop forever.
-// - A capturing group reports the text of its last completed iteration.
+// - A capturing group reports the text of its last completed iteration;
+//   backtracking out of an iteration puts the previous text back, so a
+//   back-reference sees the text of the path being tried.
 // - Options set inside a group end with it; each alternative starts with
 //   the options in force at its bar.
 #include "regexp/match/match_context.h"
@@ -89,6 +91,55 @@ int TryBody(const u8* pos, MatchContext* ctx, const Instruction* opener, int bud
     return 1;
 }
 
+// The end of one iteration of a repeated group: another iteration (before
+// the continuation when greedy, after it when lazy) or the continuation.
+int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, GroupEntry* g, const u8* start,
+                  int budget) {
+    const Instruction* opener = ctx->program + g->opener;
+    const int count = g->count;
+    const int done = count + 1;
+    if (done < g->min) {
+        g->count = done;
+        g->iterStart = pos;
+        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
+        g->count = count;
+        g->iterStart = start;
+        return 1;
+    }
+    const bool more = pos != start && done < g->max;
+    const bool lazy = g->lazy;
+    if (more && !lazy) {
+        g->count = done;
+        g->iterStart = pos;
+        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
+        g->count = count;
+        g->iterStart = start;
+    }
+    if (ContinueAfter(pos, ctx, ket, budget) == 0) return 0;
+    if (more && lazy) {
+        g->count = done;
+        g->iterStart = pos;
+        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
+        g->count = count;
+        g->iterStart = start;
+    }
+    return 1;
+}
+
+// The end of an iteration of a capturing group: its record takes the
+// iteration's text for as long as the rest of the match holds.
+__attribute__((noinline)) int CaptureEnd(const u8* pos, MatchContext* ctx, const Instruction* ket, GroupEntry* g,
+                                         int budget) {
+    const u8* const start = g->iterStart;
+    RegExpFind* record = ctx->records + g->capture;
+    const RegExpFind saved = *record;
+    *record = {start, static_cast<int>(pos - start)};
+    ctx->recordsDirty = 1;
+    const int r = g->repeated ? NextIteration(pos, ctx, ket, g, start, budget) : ContinueAfter(pos, ctx, ket, budget);
+    if (r) *record = saved;
+    return r;
+}
+
 }  // namespace
 
 const Instruction* NextAlternative(const Instruction* from, const Instruction* ket, int link) {
@@ -131,40 +182,9 @@ int GroupOpen(const u8* pos, MatchContext* ctx, const Instruction* ip, int budge
 int GroupEnd(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
     GroupEntry* g = GroupOf(ctx, ket->a);
     const u8* const start = g->iterStart;
-    if (g->capture) {
-        ctx->records[g->capture] = {start, static_cast<int>(pos - start)};
-        ctx->recordsDirty = 1;
-    }
+    if (g->capture) return CaptureEnd(pos, ctx, ket, g, budget);
     if (!g->repeated) return ContinueAfter(pos, ctx, ket, budget);
-    const Instruction* opener = ctx->program + g->opener;
-    const int count = g->count;
-    const int done = count + 1;
-    if (done < g->min) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-        return 1;
-    }
-    const bool more = pos != start && done < g->max;
-    const bool lazy = g->lazy;
-    if (more && !lazy) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-    }
-    if (ContinueAfter(pos, ctx, ket, budget) == 0) return 0;
-    if (more && lazy) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-    }
-    return 1;
+    return NextIteration(pos, ctx, ket, g, start, budget);
 }
 
 int SetFlags(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {

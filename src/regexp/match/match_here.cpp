@@ -151,11 +151,8 @@ int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budge
                 return ip->a == 0 ? TopLevelEnd(pos, ctx) : SubprogramEnd(pos, ctx);
             case OP_KET: {
                 const GroupEntry* g = GroupOf(ctx, ip->a);
-                if (g->repeated || static_cast<u32>(ip->b) != ctx->options) return GroupEnd(pos, ctx, ip, budget);
-                if (g->capture) {
-                    ctx->records[g->capture] = {g->iterStart, static_cast<int>(pos - g->iterStart)};
-                    ctx->recordsDirty = 1;
-                }
+                if (g->repeated || g->capture || static_cast<u32>(ip->b) != ctx->options)
+                    return GroupEnd(pos, ctx, ip, budget);
                 ++ip;
                 continue;
             }
