@@ -1,0 +1,14 @@
+// Literal searches of the find driver: forward and backward, exact through
+// the search kernels, or ignoring ASCII case.
+#pragma once
+
+#include "frame/base.h"
+
+namespace vkp::regexp {
+
+// First (FindLiteral) or last (FindLiteralRev) index at which the n bytes
+// of lit occur in s[0, len), or -1. With `caseless`, a to z compare as A to Z.
+int FindLiteral(const u8* s, int len, const u8* lit, int n, bool caseless);
+int FindLiteralRev(const u8* s, int len, const u8* lit, int n, bool caseless);
+
+}  // namespace vkp::regexp

@@ -1,0 +1,103 @@
+// Look-ahead, look-behind and atomic groups: bodies run as sub-programs
+// that end at the group's OP_KET. Once a body has matched, what follows
+// cannot make it try another way (as in Perl).
+//
+// Rules chosen where the format leaves them open:
+// - A look-behind body runs from c bytes before the position and must end
+//   exactly at the position (Perl).
+// - Captures made inside a look-around body stay set, also for the
+//   negative forms.
+// - A look-around followed by a repeat that allows zero is skipped, as an
+//   anchor is; any other repeat of it tests it once.
+// - An atomic group with a repeat: each iteration is atomic, the repetition
+//   itself backtracks (greedy gives back iterations, lazy takes more).
+#include "regexp/match/match_context.h"
+
+namespace vkp::regexp {
+
+namespace {
+
+// Runs the body of the group opened at ip from `start` as a sub-program:
+// its alternatives in turn until one completes. Returns the end of the
+// match or null. The options and sub-program bounds are put back.
+const u8* RunBody(const u8* start, const u8* mustEndAt, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* ket = KetOf(ctx, ip->a);
+    const Instruction* savedEnd = ctx->end;
+    const u8* savedMust = ctx->mustEndAt;
+    const u32 savedOptions = ctx->options;
+    ctx->end = ket;
+    ctx->mustEndAt = mustEndAt;
+    const u8* result = nullptr;
+    for (const Instruction* s = ip + 1;;) {
+        if (MatchHere(start, ctx, s, budget) == 0) {
+            result = ctx->matchEnd;
+            break;
+        }
+        const Instruction* bar = NextAlternative(s, ket, ip->a);
+        if (!bar) break;
+        ctx->options = static_cast<u32>(bar->b);
+        s = bar + 1;
+    }
+    ctx->end = savedEnd;
+    ctx->mustEndAt = savedMust;
+    ctx->options = savedOptions;
+    return result;
+}
+
+// Each level of atomic repetition counts against the budget and the stack
+// like a call of MatchHere.
+int AtomicGreedy(const u8* pos, MatchContext* ctx, const Instruction* ip, const Instruction* rep, int count,
+                 int budget) {
+    if (VKP_UNLIKELY(StackPointer() < ctx->stackFloor)) return OutOfStack(ctx);
+    if (budget <= 0) return 1;
+    --budget;
+    const Instruction* after = rep + 1;
+    if (count < rep->b) {
+        const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
+        // An empty iteration can repeat up to any minimum; more add nothing.
+        if (p == pos) return MatchHere(pos, ctx, after, budget);
+        if (p && AtomicGreedy(p, ctx, ip, rep, count + 1, budget) == 0) return 0;
+    }
+    return count >= rep->a ? MatchHere(pos, ctx, after, budget) : 1;
+}
+
+}  // namespace
+
+bool LookTest(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    if (ip->op == OP_LOOKBEHIND || ip->op == OP_NLOOKBEHIND) {
+        if (pos - ctx->subjectStart < ip->c) return false;
+        return RunBody(pos - ip->c, pos, ctx, ip, budget) != nullptr;
+    }
+    return RunBody(pos, nullptr, ctx, ip, budget) != nullptr;
+}
+
+int LookAround(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* ket = KetOf(ctx, ip->a);
+    const Instruction* after = AfterGroup(ket, ctx);
+    const Instruction* rep = RepeatAfter(ket, ctx);
+    if (rep && rep->a == 0) return MatchHere(pos, ctx, after, budget);
+    const bool positive = ip->op == OP_LOOKAHEAD || ip->op == OP_LOOKBEHIND;
+    if (LookTest(pos, ctx, ip, budget) != positive) return 1;
+    return MatchHere(pos, ctx, after, budget);
+}
+
+int Atomic(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* ket = KetOf(ctx, ip->a);
+    const Instruction* rep = RepeatAfter(ket, ctx);
+    if (!rep) {
+        const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
+        return p ? MatchHere(p, ctx, ket + 1, budget) : 1;
+    }
+    if (rep->op == OP_GREEDY_REPEAT) return AtomicGreedy(pos, ctx, ip, rep, 0, budget);
+    const Instruction* after = rep + 1;
+    for (int count = 0;; ++count) {
+        if (count >= rep->a && MatchHere(pos, ctx, after, budget) == 0) return 0;
+        if (count >= rep->b) return 1;
+        const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
+        if (!p) return 1;
+        if (p == pos) return count >= rep->a ? 1 : MatchHere(pos, ctx, after, budget);
+        pos = p;
+    }
+}
+
+}  // namespace vkp::regexp

@@ -1,0 +1,51 @@
+// MatchStart: the program at successive start positions and, at each, the
+// top-level alternatives in turn.
+//
+// Records: the capture records are reset at each start position, and not
+// between the top-level alternatives tried at one position, so a group set
+// by an alternative that failed keeps its text when a later one matches.
+#include <string.h>
+
+#include "regexp/match/match_context.h"
+#include "regexp/match/utf8.h"
+
+namespace vkp::regexp {
+
+int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode, int firstAlternative) {
+    const u8* pos = subject;
+    const u8* const end = subject + length;
+    ctx->subjectEnd = end;
+    const u32 options = ctx->options;
+    const Instruction* const altFloor = ctx->program + firstAlternative;
+    ctx->recordsDirty = 1;
+    for (;;) {
+        if (ctx->recordsDirty) {
+            for (int k = 1; k < ctx->recordCount; ++k) ctx->records[k] = {nullptr, -1};
+            ctx->recordsDirty = 0;
+        }
+        ctx->options = options;
+        for (const Instruction* alt = ctx->program;;) {
+            ctx->attemptStart = pos;
+            if (MatchHere(pos, ctx, alt, ctx->budget) == 0) {
+                ctx->records[0] = {pos, static_cast<int>(ctx->matchEnd - pos)};
+                return 0;
+            }
+            const Instruction* bar = NextAlternative(alt > altFloor ? alt : altFloor, ctx->programEnd, 0);
+            if (!bar) break;
+            ctx->options = static_cast<u32>(bar->b);
+            alt = bar + 1;
+        }
+        if (anchorMode == 2 || pos >= end) break;
+        if (anchorMode == 1) {
+            const u8* nl = static_cast<const u8*>(memchr(pos, '\n', end - pos));
+            if (!nl) break;
+            pos = nl + 1;
+            continue;
+        }
+        pos += ctx->format == 1 ? CharLength(pos, end) : 1;
+    }
+    ctx->options = options;
+    return 1;
+}
+
+}  // namespace vkp::regexp
