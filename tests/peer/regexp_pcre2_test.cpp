@@ -18,6 +18,11 @@
 //    word-boundary test reads it);
 //  - \p{Lu} and \p{Ll} never under case folding; no `{` as a literal, no
 //    `{,n}`, no octal escapes, no \G in global searches;
+//  - two literal hints that are not Perl's are taken as they are documented,
+//    so their patterns are left out after compiling: a last literal behind
+//    a top-level bar (only a repeated literal after another repeat makes
+//    one), and a leading literal under a lazy repeat (the search still
+//    starts at its first occurrence);
 //  - global searches are compared only when no match is empty (the retry
 //    after an empty match sees a one-byte subject here), and not for patterns
 //    that begin with .* or .+ (their implicit anchor lets a later match start
@@ -439,6 +444,21 @@ int EnvInt(const char* name, int fallback) {
     return v && *v ? std::atoi(v) : fallback;
 }
 
+// The two literal hints of the list above.
+bool LiteralHintDeparts(const vkpRegExpState* st) {
+    const auto* prog = reinterpret_cast<const vkpRegExpInstruction*>(reinterpret_cast<const char*>(st) + VKP_REGEXP_HEAD_SIZE);
+    bool topBar = false;
+    for (int i = 0, depth = 0; i < st->instructionCount; ++i) {
+        const uint32_t op = prog[i].op - 0x10000000u;
+        if (op == 3) i += prog[i].b;                  // class members
+        else if (op >= 0x0a && op <= 0x12) ++depth;   // openers
+        else if (op == 0x13) --depth;                 // OP_KET
+        else if (op == 6 && depth == 0) topBar = true;
+    }
+    const bool lazyLead = st->patternKind == 1 && st->instructionCount > 1 && prog[1].op == 0x10000008u && prog[1].a == 0;
+    return (topBar && st->lastLiteralIndex >= 0) || lazyLead;
+}
+
 TEST(RegExpPeer, AgreesWithPcre2) {
     const int seed = EnvInt("VKPCH_PEER_SEED", 20240601);
     const int patterns = EnvInt("VKPCH_PEER_PATTERNS", 3000);
@@ -465,6 +485,10 @@ TEST(RegExpPeer, AgreesWithPcre2) {
         if (ours.status() != 0) {
             ADD_FAILURE() << where << ": compile status " << ours.status();
             ++mismatches;
+            continue;
+        }
+        if (LiteralHintDeparts(ours.state())) {
+            ++skipped;
             continue;
         }
         const int groups = ours.state()->groupCount;

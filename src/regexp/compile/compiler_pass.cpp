@@ -21,13 +21,12 @@ Instruction* CompilerPass::EmitItem(u32 op) {
 }
 
 // A top-level literal of the prefix (before any top-level bar) carries the
-// option word in c; every top-level literal run is a candidate for the last
-// literal, unless a top-level bar has made that -2.
+// option word in c and becomes the last literal so far. Behind a top-level
+// bar only a repeated literal can become it (see Quantifier).
 void CompilerPass::MarkTopLevelLiteral(int index) {
-    if (depth_ != 0) return;
-    const bool candidate = lastLiteral_ >= -1;
-    if (!topBar_ || candidate) prog_[index].c = static_cast<int>(options_);
-    if (candidate) lastLiteral_ = index;
+    if (!TopLevelPrefix()) return;
+    prog_[index].c = static_cast<int>(options_);
+    lastLiteral_ = index;
 }
 
 void CompilerPass::FlushRun() {

@@ -3,6 +3,7 @@
 #include "regexp/match/find_driver.h"
 
 #include "frame/entries.h"
+#include "regexp/match/first_bytes.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/stack_limit.h"
@@ -78,10 +79,10 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
         }
 
     // 1. Nothing of a match can lie beyond the last occurrence of the last
-    // literal when only repeat records follow it. Not with a top-level bar:
-    // the literal then ends one alternative only (the compiler can report
-    // a last literal behind a bar once a repeat has cleared its marker).
-    if (state->lastLiteralIndex >= 0 && state->lastLiteralIndex < count && firstBar == count) {
+    // literal when only repeat records follow it. (Behind a top-level bar
+    // the compiler reports one only for a repeated literal after another
+    // repeat; the cut then applies as it does everywhere.)
+    if (state->lastLiteralIndex >= 0 && state->lastLiteralIndex < count) {
         const Instruction& ins = program[state->lastLiteralIndex];
         const Literal lit = LiteralOf(ins);
         if (lit.length > 0) {
@@ -121,11 +122,11 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
         }
     }
 
-    // 3. A leading literal: start at its first occurrence. A literal that a
-    // lazy repeat makes optional cannot move the start (a match may begin
-    // before it); when the literal does not occur the full search runs.
+    // 3. A leading literal: start at its first occurrence, also when a lazy
+    // repeat makes it optional (kind 1 says so); when the literal does not
+    // occur the full search runs.
     const u8* start = src;
-    if (state->patternKind == 1 && count > 0 && !(count > 1 && IsRepeat(&program[1]) && program[1].a == 0)) {
+    if (state->patternKind == 1 && count > 0) {
         const Literal lit = LiteralOf(program[0]);
         if (lit.length > 0) {
             const int i = FindLiteral(src, effLen, lit.bytes, lit.length, (program[0].c & kOptIgnoreCase) != 0);
@@ -154,7 +155,12 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     // 5. The context.
     GroupEntry* table = reinterpret_cast<GroupEntry*>(state->workArea);
     FillGroupTable(program, count, table);
+    // Start positions whose byte cannot begin a match are passed over.
+    StartFilter filter;
+    if (anchorMode == 0) filter = MakeStartFilter(program, count, options);
+
     MatchContext ctx;
+    ctx.startFilter = filter.mode == StartFilter::kNone ? nullptr : &filter;
     ctx.end = program + count;
     ctx.options = options;
     ctx.notEmpty = 0;

@@ -1,5 +1,9 @@
 #include "regexp/match/first_bytes.h"
 
+#include "regexp/match/literal_scan.h"
+#include "regexp/match/utf8.h"
+#include "search/find.h"
+
 namespace vkp::regexp {
 namespace {
 
@@ -81,9 +85,9 @@ Outcome ItemFirst(const Instruction* prog, int i, u32* options, ByteSet* set) {
         case OP_STRING: AddByte(set, static_cast<const u8*>(ins.d)[0], *options); return kConsumes;
         case OP_TYPE:
             if (ins.a == '.') {
-                AddType(set, 'S');
-                AddType(set, 's');
-                if (!(*options & kDotAll)) set->bits[0] &= ~(u32(1) << 10);
+                set->AddRange(0, 9);
+                if (*options & kDotAll) set->Add(10);
+                set->AddRange(11, 255);
             } else {
                 AddType(set, ins.a);
             }
@@ -141,6 +145,54 @@ Outcome SequenceFirst(const Instruction* prog, int from, int to, u32* options, B
 bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set) {
     *set = ByteSet{};
     return count > 0 && AlternativesFirst(program, 0, count, 0, options, set) == kConsumes;
+}
+
+StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) {
+    StartFilter f;
+    if (!FirstBytes(program, count, options, &f.set)) return f;
+    bool ascii = true;
+    int first = -1;
+    for (int b = 0; b < 256; ++b) {
+        if (!f.set.Has(static_cast<u8>(b))) continue;
+        if (first < 0) first = b;
+        if (b >= 128) ascii = false;
+    }
+    const int n = f.set.Count();
+    f.byte = static_cast<u8>(first);
+    if (n == 1) f.mode = StartFilter::kByte;
+    else if (n == 2 && first >= 'A' && first <= 'Z' && f.set.Has(static_cast<u8>(first | 0x20))) {
+        f.mode = StartFilter::kFolded;
+        f.byte = static_cast<u8>(first | 0x20);
+    } else if (n < 256) {
+        f.mode = ascii ? StartFilter::kAscii : StartFilter::kAny;
+    }
+    return f;
+}
+
+// An ASCII byte never lies inside a multi-byte character, so landing on one
+// keeps the search on character starts whatever it passed over.
+const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int format) {
+    const int len = static_cast<int>(end - pos);
+    switch (f.mode) {
+        case StartFilter::kByte: {
+            if (f.byte >= 128 && format == 1) break;
+            int i = -1;
+            search::FindC(pos, len, f.byte, &i);
+            return i < 0 ? nullptr : pos + i;
+        }
+        case StartFilter::kFolded: {
+            const int i = FindFolded(pos, len, f.byte);
+            return i < 0 ? nullptr : pos + i;
+        }
+        case StartFilter::kAscii:
+            for (; pos < end; ++pos)
+                if (f.set.Has(*pos)) return pos;
+            return nullptr;
+        default: break;
+    }
+    for (; pos < end; pos += format == 1 ? CharLength(pos, end) : 1)
+        if (f.set.Has(*pos)) return pos;
+    return nullptr;
 }
 
 }  // namespace vkp::regexp

@@ -29,4 +29,20 @@ struct ByteSet {
 // this analysis does not follow).
 bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set);
 
+// How the search passes over start positions that cannot match.
+struct StartFilter {
+    enum Mode : u8 { kNone, kByte, kFolded, kAscii, kAny };
+    Mode mode = kNone;
+    u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
+    ByteSet set{};
+};
+
+// The filter for a program searched from every position.
+StartFilter MakeStartFilter(const Instruction* program, int count, u32 options);
+
+// The first position from pos on (before end) whose byte the filter lets
+// through, stepping as the search does (by whole characters under format
+// 1); null when there is none.
+const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int format);
+
 }  // namespace vkp::regexp

@@ -11,4 +11,9 @@ namespace vkp::regexp {
 int FindLiteral(const u8* s, int len, const u8* lit, int n, bool caseless);
 int FindLiteralRev(const u8* s, int len, const u8* lit, int n, bool caseless);
 
+// First / last index i below len with (s[i] | 0x20) == lower, or -1; for
+// a lower-case letter, its occurrences in either case.
+int FindFolded(const u8* s, int len, u8 lower);
+int FindFoldedRev(const u8* s, int len, u8 lower);
+
 }  // namespace vkp::regexp

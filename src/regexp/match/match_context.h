@@ -58,6 +58,7 @@ struct MatchContext {
     GroupEntry* groups;             // indexed by group id
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
+    const struct StartFilter* startFilter;  // bytes a match can begin with, or null
 };
 
 enum : u32 {

@@ -6,6 +6,7 @@
 // by an alternative that failed keeps its text when a later one matches.
 #include <string.h>
 
+#include "regexp/match/first_bytes.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/utf8.h"
 
@@ -18,7 +19,9 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
     const u32 options = ctx->options;
     const Instruction* const altFloor = ctx->program + firstAlternative;
     ctx->recordsDirty = 1;
+    const StartFilter* filter = anchorMode == 0 ? ctx->startFilter : nullptr;
     for (;;) {
+        if (filter && !(pos = NextCandidate(*filter, pos, end, ctx->format))) break;
         if (ctx->recordsDirty) {
             for (int k = 1; k < ctx->recordCount; ++k) ctx->records[k] = {nullptr, -1};
             ctx->recordsDirty = 0;
