@@ -72,7 +72,7 @@ int ConditionalBody(const u8* pos, MatchContext* ctx, const Instruction* opener,
 }
 
 // One iteration of the group opened at `opener`: its alternatives in turn.
-int TryBody(const u8* pos, MatchContext* ctx, const Instruction* opener, int budget) {
+VKP_INLINE int TryBody(const u8* pos, MatchContext* ctx, const Instruction* opener, int budget) {
     const Instruction* ket = KetOf(ctx, opener->a);
     if (opener->op == OP_COND) return ConditionalBody(pos, ctx, opener, ket, budget);
     const u32 saved = ctx->options;
@@ -93,8 +93,9 @@ int TryBody(const u8* pos, MatchContext* ctx, const Instruction* opener, int bud
 
 // The end of one iteration of a repeated group: another iteration (before
 // the continuation when greedy, after it when lazy) or the continuation.
-int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, GroupEntry* g, const u8* start,
-                  int budget) {
+__attribute__((noinline)) int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
+    GroupEntry* g = GroupOf(ctx, ket->a);
+    const u8* const start = g->iterStart;
     const Instruction* opener = ctx->program + g->opener;
     const int count = g->count;
     const int done = count + 1;
@@ -128,14 +129,14 @@ int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, Grou
 
 // The end of an iteration of a capturing group: its record takes the
 // iteration's text for as long as the rest of the match holds.
-__attribute__((noinline)) int CaptureEnd(const u8* pos, MatchContext* ctx, const Instruction* ket, GroupEntry* g,
-                                         int budget) {
+__attribute__((noinline)) int CaptureEnd(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
+    const GroupEntry* g = GroupOf(ctx, ket->a);
     const u8* const start = g->iterStart;
     RegExpFind* record = ctx->records + g->capture;
     const RegExpFind saved = *record;
     *record = {start, static_cast<int>(pos - start)};
     ctx->recordsDirty = 1;
-    const int r = g->repeated ? NextIteration(pos, ctx, ket, g, start, budget) : ContinueAfter(pos, ctx, ket, budget);
+    const int r = g->repeated ? NextIteration(pos, ctx, ket, budget) : ContinueAfter(pos, ctx, ket, budget);
     if (r) *record = saved;
     return r;
 }
@@ -180,11 +181,10 @@ int GroupOpen(const u8* pos, MatchContext* ctx, const Instruction* ip, int budge
 }
 
 int GroupEnd(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
-    GroupEntry* g = GroupOf(ctx, ket->a);
-    const u8* const start = g->iterStart;
-    if (g->capture) return CaptureEnd(pos, ctx, ket, g, budget);
+    const GroupEntry* g = GroupOf(ctx, ket->a);
+    if (g->capture) return CaptureEnd(pos, ctx, ket, budget);
     if (!g->repeated) return ContinueAfter(pos, ctx, ket, budget);
-    return NextIteration(pos, ctx, ket, g, start, budget);
+    return NextIteration(pos, ctx, ket, budget);
 }
 
 int SetFlags(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {

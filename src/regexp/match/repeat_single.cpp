@@ -5,9 +5,11 @@
 // count from the highest down to the minimum. Lazy: try the continuation at
 // the minimum and take one more item after each failure. Both skip counts
 // at which the continuation cannot start: when it begins with a literal
-// byte that the subject does not have there. The forward scans run inline
-// in each routine; the backtracking loops, which hold the stack frame while
-// the continuation runs, are shared and keep few values alive.
+// byte that the subject does not have there. Each routine is one function
+// of four arguments with everything inlined: MatchHere reaches it by a
+// jump, and it holds one small stack frame while its continuation runs
+// (on Windows, a fifth argument or a second frame would cost a call frame
+// and the 32-byte argument home area per level).
 #include <string.h>
 
 #include "regexp/match/items.h"
@@ -33,7 +35,7 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 }
 
 // Continuations at p, p - step, ... down to lowest.
-__attribute__((noinline)) int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
+VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
     for (;; p -= step) {
@@ -44,7 +46,7 @@ __attribute__((noinline)) int BacktrackFixed(const u8* p, const u8* lowest, long
 
 // Continuations at p and at each earlier character boundary down to lowest,
 // for items of one character each.
-__attribute__((noinline)) int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
+VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
     for (;;) {
@@ -54,137 +56,196 @@ __attribute__((noinline)) int BacktrackChars(const u8* p, const u8* lowest, Matc
     }
 }
 
-// Greedy repeat of items of one byte each.
+// Greedy repeat of items of one byte each; Test is built from the item.
 template <class Test>
-VKP_INLINE int GreedyBytes(const u8* pos, MatchContext* ctx, const Instruction* rep, int budget, Test test) {
+__attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* rep = ip + 1;
     const long rem = ctx->subjectEnd - pos;
     if (rem < rep->a) return 1;
     const u8* const stop = pos + (rep->b < rem ? rep->b : rem);
     const u8* p = pos;
+    const Test test(ip, ctx);
     while (p < stop && test(*p)) ++p;
     const u8* const lowest = pos + rep->a;
     if (p < lowest) return 1;
     return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
 }
 
-// Greedy repeat of items of one character each; len(p) gives the bytes of
-// an item at p, 0 when there is none.
-template <class Len>
-VKP_INLINE int GreedyChars(const u8* pos, MatchContext* ctx, const Instruction* rep, int budget, Len len) {
+struct ExactByte {
+    u8 c;
+    ExactByte(const Instruction* ip, const MatchContext*) : c(static_cast<u8>(ip->a)) {}
+    bool operator()(u8 s) const { return s == c; }
+};
+struct CaselessByte {
+    u8 folded;
+    CaselessByte(const Instruction* ip, const MatchContext*) : folded(static_cast<u8>(ip->a) | 0x20) {}
+    bool operator()(u8 s) const { return (s | 0x20) == folded; }
+};
+struct AnyByte {
+    AnyByte(const Instruction*, const MatchContext*) {}
+    bool operator()(u8) const { return true; }
+};
+struct TypeByte {
+    TypeTest t;
+    TypeByte(const Instruction* ip, const MatchContext* ctx) : t(TypeFor(ip->a, ctx->options)) {}
+    bool operator()(u8 s) const { return t(s); }
+};
+
+// Unlimited "." (not across a line feed): after the minimum, everything up
+// to the next line feed, whole characters all the way.
+__attribute__((noinline)) int GreedyDots(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* rep = ip + 1;
+    const u8* const end = ctx->subjectEnd;
+    const u8* p = pos;
+    for (int i = 0; i < rep->a; ++i) {
+        if (p >= end || *p == '\n') return 1;
+        p += *p < 0x80 ? 1 : CharLength(p, end);
+    }
+    const u8* const lowest = p;
+    const u8* nl = static_cast<const u8*>(memchr(p, '\n', end - p));
+    return BacktrackChars(nl ? nl : end, lowest, ctx, rep + 1, budget);
+}
+
+// Greedy repeat of items of one character each.
+template <class Item>
+__attribute__((noinline)) int GreedyChars(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* rep = Item::Repeat(ip);
     const u8* const end = ctx->subjectEnd;
     if (end - pos < rep->a) return 1;
     const u8* p = pos;
     int count = 0;
     for (; count < rep->a; ++count) {
         if (p >= end) return 1;
-        const int n = len(p);
+        const int n = Item::Length(p, ctx, ip);
         if (n == 0) return 1;
         p += n;
     }
     const u8* const lowest = p;
     for (; count < rep->b && p < end; ++count) {
-        const int n = len(p);
+        const int n = Item::Length(p, ctx, ip);
         if (n == 0) break;
         p += n;
     }
     return BacktrackChars(p, lowest, ctx, rep + 1, budget);
 }
 
-// Lazy repeat; len(p) as above (items of any width of at least one byte).
-template <class Len>
-VKP_INLINE int LazyItems(const u8* pos, MatchContext* ctx, const Instruction* rep, int budget, Len len) {
-    const u8* const end = ctx->subjectEnd;
-    if (end - pos < rep->a) return 1;
+// Lazy repeat of items of any width of one byte or more. A function of its
+// own, so that the greedy form's frame does not grow by its values; the
+// item's operands are read again from the program at each step.
+template <class Item>
+__attribute__((noinline)) int LazyItems(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* rep = Item::Repeat(ip);
+    if (ctx->subjectEnd - pos < rep->a) return 1;
     const u8* p = pos;
     for (int i = 0; i < rep->a; ++i) {
-        if (p >= end) return 1;
-        const int n = len(p);
-        if (n == 0) return 1;
+        if (p >= ctx->subjectEnd) return 1;
+        const int n = Item::Length(p, ctx, ip);
+        if (n <= 0) return 1;
         p += n;
     }
-    const Instruction* const next = rep + 1;
-    const int req = RequiredByte(next, ctx);
+    const int req = RequiredByte(rep + 1, ctx);
     for (int more = rep->b - rep->a;; --more) {
-        if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
+        if (MayStart(p, req, ctx) && MatchHere(p, ctx, Item::Repeat(ip) + 1, budget) == 0) return 0;
         if (more <= 0 || p >= ctx->subjectEnd) return 1;
-        const int n = len(p);
-        if (n == 0) return 1;
+        const int n = Item::Length(p, ctx, ip);
+        if (n <= 0) return 1;
         p += n;
     }
 }
+
+// The items: where their repeat record stands and the bytes one takes at p
+// (0 for none).
+struct CharItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return LiteralEq(*p, static_cast<u8>(ip->a), ctx->options) ? 1 : 0;
+    }
+};
+struct AnyByteItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8*, const MatchContext*, const Instruction*) { return 1; }
+};
+struct TypeItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return TypeLength(p, ctx->subjectEnd, TypeFor(ip->a, ctx->options));
+    }
+};
+struct ClassItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + ip->b + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return ClassLength(p, ctx->subjectEnd, ip, ctx->options);
+    }
+};
+struct PropertyItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return PropertyLength(p, ctx->subjectEnd, ip, ctx->options);
+    }
+};
+struct CodePointItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return CodePointLength(p, ctx->subjectEnd, ip, ctx->options);
+    }
+};
+struct ExtendedItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction*) {
+        return ExtendedLength(p, ctx->subjectEnd);
+    }
+};
+struct BackrefItem {
+    static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
+        return BackrefLength(p, ctx, ip->a);
+    }
+};
 
 }  // namespace
 
 int RepeatChar(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
-    const Instruction* rep = ip + 1;
-    const u8 c = static_cast<u8>(ip->a);
-    if (rep->op == OP_LAZY_REPEAT)
-        return LazyItems(pos, ctx, rep, budget, [c, ctx](const u8* p) { return LiteralEq(*p, c, ctx->options) ? 1 : 0; });
-    if (!(ctx->options & kOptIgnoreCase) || !IsAsciiLetter(c))
-        return GreedyBytes(pos, ctx, rep, budget, [c](u8 s) { return s == c; });
-    const u8 folded = c | 0x20;
-    return GreedyBytes(pos, ctx, rep, budget, [folded](u8 s) { return (s | 0x20) == folded; });
+    if (ip[1].op == OP_LAZY_REPEAT) return LazyItems<CharItem>(pos, ctx, ip, budget);
+    if ((ctx->options & kOptIgnoreCase) && IsAsciiLetter(static_cast<u8>(ip->a)))
+        return GreedyBytes<CaselessByte>(pos, ctx, ip, budget);
+    return GreedyBytes<ExactByte>(pos, ctx, ip, budget);
 }
 
 int RepeatAnyByte(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
-    const Instruction* rep = ip + 1;
-    if (rep->op == OP_LAZY_REPEAT) return LazyItems(pos, ctx, rep, budget, [](const u8*) { return 1; });
-    return GreedyBytes(pos, ctx, rep, budget, [](u8) { return true; });
+    if (ip[1].op == OP_LAZY_REPEAT) return LazyItems<AnyByteItem>(pos, ctx, ip, budget);
+    return GreedyBytes<AnyByte>(pos, ctx, ip, budget);
 }
 
 int RepeatType(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
     const Instruction* rep = ip + 1;
+    if (rep->op == OP_LAZY_REPEAT) return LazyItems<TypeItem>(pos, ctx, ip, budget);
     const TypeTest t = TypeFor(ip->a, ctx->options);
-    const u8* const end = ctx->subjectEnd;
-    if (rep->op == OP_LAZY_REPEAT)
-        return LazyItems(pos, ctx, rep, budget, [t, end](const u8* p) { return TypeLength(p, end, t); });
     // \d, \s and \w take single bytes only.
-    if (!t.negated) return GreedyBytes(pos, ctx, rep, budget, t);
-    if (t.mask == kKindNewline && rep->b == kRepeatUnlimited && end - pos >= rep->a) {
-        // Unlimited ".": after the minimum, everything up to the next line
-        // feed, whole characters all the way.
-        const u8* p = pos;
-        for (int i = 0; i < rep->a; ++i) {
-            if (p >= end || *p == '\n') return 1;
-            p += *p < 0x80 ? 1 : CharLength(p, end);
-        }
-        const u8* const lowest = p;
-        const u8* nl = static_cast<const u8*>(memchr(p, '\n', end - p));
-        return BacktrackChars(nl ? nl : end, lowest, ctx, rep + 1, budget);
-    }
-    return GreedyChars(pos, ctx, rep, budget, [t, end](const u8* p) { return TypeLength(p, end, t); });
+    if (!t.negated) return GreedyBytes<TypeByte>(pos, ctx, ip, budget);
+    if (t.mask == kKindNewline && rep->b == kRepeatUnlimited) return GreedyDots(pos, ctx, ip, budget);
+    return GreedyChars<TypeItem>(pos, ctx, ip, budget);
 }
 
 int RepeatClass(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
-    const Instruction* rep = ip + ip->b + 1;
-    const u8* const end = ctx->subjectEnd;
-    const u32 options = ctx->options;
-    auto len = [ip, end, options](const u8* p) { return ClassLength(p, end, ip, options); };
-    if (rep->op == OP_LAZY_REPEAT) return LazyItems(pos, ctx, rep, budget, len);
-    return GreedyChars(pos, ctx, rep, budget, len);
+    if (ClassItem::Repeat(ip)->op == OP_LAZY_REPEAT) return LazyItems<ClassItem>(pos, ctx, ip, budget);
+    return GreedyChars<ClassItem>(pos, ctx, ip, budget);
 }
 
 int RepeatProperty(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
-    const Instruction* rep = ip + 1;
-    const u8* const end = ctx->subjectEnd;
-    const u32 options = ctx->options;
-    auto len = [ip, end, options](const u8* p) { return PropertyLength(p, end, ip, options); };
-    if (rep->op == OP_LAZY_REPEAT) return LazyItems(pos, ctx, rep, budget, len);
-    return GreedyChars(pos, ctx, rep, budget, len);
+    if (ip[1].op == OP_LAZY_REPEAT) return LazyItems<PropertyItem>(pos, ctx, ip, budget);
+    return GreedyChars<PropertyItem>(pos, ctx, ip, budget);
 }
 
 // Every item takes the encoded length of the pattern's code point.
 int RepeatCodePoint(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
     const Instruction* rep = ip + 1;
+    if (rep->op == OP_LAZY_REPEAT) return LazyItems<CodePointItem>(pos, ctx, ip, budget);
     const u8* const end = ctx->subjectEnd;
-    const u32 options = ctx->options;
-    auto len = [ip, end, options](const u8* p) { return CodePointLength(p, end, ip, options); };
-    if (rep->op == OP_LAZY_REPEAT) return LazyItems(pos, ctx, rep, budget, len);
     if (end - pos < rep->a) return 1;
     const long w = EncodedLength(ip->a);
     const u8* p = pos;
     int count = 0;
-    for (; count < rep->b && p < end && len(p) != 0; ++count) p += w;
+    for (; count < rep->b && p < end && CodePointItem::Length(p, ctx, ip) != 0; ++count) p += w;
     if (count < rep->a) return 1;
     return BacktrackFixed(p, pos + rep->a * w, w, ctx, rep + 1, budget);
 }
@@ -193,19 +254,18 @@ int RepeatCodePoint(const u8* pos, MatchContext* ctx, const Instruction* ip, int
 // the greedy form finds the start of each shorter run again from pos.
 int RepeatExtended(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
     const Instruction* rep = ip + 1;
+    if (rep->op == OP_LAZY_REPEAT) return LazyItems<ExtendedItem>(pos, ctx, ip, budget);
     const u8* const end = ctx->subjectEnd;
-    auto len = [end](const u8* p) { return ExtendedLength(p, end); };
-    if (rep->op == OP_LAZY_REPEAT) return LazyItems(pos, ctx, rep, budget, len);
     if (end - pos < rep->a) return 1;
     int count = 0;
     for (const u8* p = pos; count < rep->b && p < end; ++count) {
-        const int n = len(p);
+        const int n = ExtendedLength(p, end);
         if (n == 0) break;
         p += n;
     }
     for (; count >= rep->a; --count) {
         const u8* p = pos;
-        for (int i = 0; i < count; ++i) p += len(p);
+        for (int i = 0; i < count; ++i) p += ExtendedLength(p, end);
         if (MatchHere(p, ctx, rep + 1, budget) == 0) return 0;
     }
     return 1;
@@ -219,18 +279,15 @@ int RepeatBackref(const u8* pos, MatchContext* ctx, const Instruction* ip, int b
     const Instruction* rep = ip + 1;
     const u8* const end = ctx->subjectEnd;
     if (pos >= end && rep->a > 0) return 1;
-    const int n = ip->a;
-    auto len = [n, ctx](const u8* p) { return BackrefLength(p, ctx, n); };
-    const int w = pos < end ? len(pos) : -1;
+    const int w = pos < end ? BackrefLength(pos, ctx, ip->a) : -1;
     if (w <= 0) {
         if (w < 0 && rep->a > 0) return 1;
-        if (w == 0 || rep->a == 0) return MatchHere(pos, ctx, rep + 1, budget);
+        return MatchHere(pos, ctx, rep + 1, budget);
     }
-    if (rep->op == OP_LAZY_REPEAT)
-        return LazyItems(pos, ctx, rep, budget, [len](const u8* p) { int k = len(p); return k > 0 ? k : 0; });
+    if (rep->op == OP_LAZY_REPEAT) return LazyItems<BackrefItem>(pos, ctx, ip, budget);
     const u8* p = pos;
     int count = 0;
-    for (; count < rep->b && p < end && len(p) == w; ++count) p += w;
+    for (; count < rep->b && p < end && BackrefLength(p, ctx, ip->a) == w; ++count) p += w;
     if (count < rep->a) return 1;
     return BacktrackFixed(p, pos + static_cast<long>(rep->a) * w, w, ctx, rep + 1, budget);
 }

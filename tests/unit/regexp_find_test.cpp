@@ -1,0 +1,165 @@
+// vkpsRegExpFind_8u as a driver: argument checks in order, result codes,
+// global search and its empty-match rule, UTF-8 start positions, the
+// literal shortcuts, and reads that stay within the subject.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "support/guarded_buffer.h"
+#include "support/random_text.h"
+#include "support/regexp_search.h"
+
+namespace {
+
+using vkptest::CompiledRegExp;
+using vkptest::Span;
+using Spans = std::vector<Span>;
+
+TEST(RegExpFind, ArgumentChecksInOrder) {
+    CompiledRegExp re("a");
+    const vkp8u s[] = "a";
+    vkpRegExpFind m[2];
+    int n = 2, zero = 0;
+    EXPECT_EQ(vkpsRegExpFind_8u(nullptr, 1, re.state(), m, &n), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, nullptr, m, &n), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), nullptr, &n), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), m, nullptr), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpFind_8u(s, -1, re.state(), m, &zero), VKP_ERR_LENGTH);  // before the count
+    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), m, &zero), VKP_ERR_SIZE);
+    EXPECT_EQ(zero, 0);
+    // A zeroed block is refused before anything else is read from it.
+    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);
+    n = 2;
+    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, reinterpret_cast<vkpRegExpState*>(blank.data()), m, &n),
+              VKP_ERR_NOT_COMPILED);
+    EXPECT_EQ(n, 2);
+}
+
+TEST(RegExpFind, ResultCodes) {
+    CompiledRegExp re("(a)(b)?(c)");
+    vkptest::SearchResult r = re.Search("xac", 1);
+    EXPECT_EQ(r.status, VKP_WARN_FEW_RECORDS);
+    EXPECT_EQ(r.records, (Spans{{1, 2}}));
+    r = re.Search("xac", 8);  // the count becomes the number of groups
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.records, (Spans{{1, 2}, {1, 1}, {-1, -1}, {2, 1}}));
+    r = re.Search("xyz");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(r.records.empty());
+    CompiledRegExp empty("x*");
+    EXPECT_EQ(empty.Search("", 4, 0).records, (Spans{{0, 0}}));
+}
+
+TEST(RegExpFind, GlobalSearch) {
+    struct Case {
+        const char* pattern;
+        std::string subject;
+        int capacity;
+        vkpStatus status;
+        Spans records;
+    };
+    const Case cases[] = {
+        // An empty match at the very end ends the search.
+        {"x*", "ab", 8, 0, {{0, 0}, {1, 0}, {2, 0}}},
+        {"a*", "baa", 8, 0, {{0, 0}, {1, 2}, {3, 0}}},
+        {"\\w+", "ab cd  e", 8, 0, {{0, 2}, {3, 2}, {7, 1}}},
+        {"\\w+", "ab cd  e", 2, 0, {{0, 2}, {3, 2}}},
+        // With groups, records 1 to the last per match.
+        {"(\\w)(\\d)?", "a1b", 8, 0, {{0, 1}, {1, 1}, {2, 1}, {-1, -1}}},
+        {"(\\w)(\\d)?", "a1b", 3, 0, {{0, 1}, {1, 1}, {2, 1}}},
+        {"(\\w)(\\d)?", "a1b", 1, VKP_WARN_FEW_RECORDS, {{0, 1}}},
+        {"^a", "aa", 8, 0, {{0, 1}}},
+        {"^a", "a\na", 8, 0, {{0, 1}}},
+        {"cat|dog|do", "dog do cat", 8, 0, {{0, 3}, {4, 2}, {7, 3}}},
+        // After an empty match a one-character match is tried in place.
+        {"(?=a)|a", "ab", 8, 0, {{0, 0}, {0, 1}}},
+        {"(?=a)|a", "ba", 8, 0, {{1, 0}, {1, 1}}},
+        {"q", "abc", 8, 0, {}},
+    };
+    for (const Case& c : cases) {
+        CompiledRegExp re(c.pattern, "g");
+        const vkptest::SearchResult r = re.Search(c.subject, c.capacity);
+        EXPECT_EQ(r.status, c.status) << c.pattern;
+        EXPECT_EQ(r.records, c.records) << c.pattern << " on " << c.subject;
+    }
+    CompiledRegExp multi("^.", "gm");
+    EXPECT_EQ(multi.Search("ab\ncd\n").records, (Spans{{0, 1}, {3, 1}}));
+}
+
+// Format 1 (the default) moves start positions by whole UTF-8 characters,
+// format 0 by bytes.
+TEST(RegExpFind, StartPositionsFollowTheFormat) {
+    const std::string e = "\xc3\xa9";  // the second byte alone is 0xA9
+    CompiledRegExp tail("[\xa9]");
+    EXPECT_TRUE(tail.Search(e).records.empty());
+    ASSERT_EQ(vkpsRegExpSetFormat(0, tail.state()), 0);
+    EXPECT_EQ(tail.Search(e).records, (Spans{{1, 1}}));
+
+    CompiledRegExp empty("x*", "g");
+    EXPECT_EQ(empty.Search(e + "\xe2\x82\xac").records, (Spans{{0, 0}, {2, 0}, {5, 0}}));
+    ASSERT_EQ(vkpsRegExpSetFormat(0, empty.state()), 0);
+    EXPECT_EQ(empty.Search(e).records, (Spans{{0, 0}, {1, 0}, {2, 0}}));
+
+    // A bad sequence advances by one byte.
+    CompiledRegExp b("b");
+    EXPECT_EQ(b.Search("\xe2\x82" "b").records, (Spans{{2, 1}}));
+}
+
+// The literal shortcuts agree with the general search on random subjects.
+TEST(RegExpFind, LiteralShortcutsAgreeWithTheMatcher) {
+    vkptest::Rng rng(7);
+    // Each shortcut pattern beside an equivalent one that takes none.
+    const std::pair<const char*, const char*> pairs[] = {
+        {"ab|ba|b", "(?:ab|ba|b)"},           // kind 2
+        {"aab|ab", "(?:aab|ab)"},
+        {"abc(a)", "(?:abc)(a)"},             // kind 1 and the group
+        {"ba+", "(?:b)a+"},
+        {"a\\w*b", "a\\w*(?:b)"},             // the last literal
+    };
+    for (const char* options : {"", "i"}) {
+        for (const auto& [fast, plain] : pairs) {
+            CompiledRegExp a(fast, options), b(plain, options);
+            for (int i = 0; i < 300; ++i) {
+                std::vector<char> v = vkptest::RandomUnits<char>(rng, size_t(vkptest::RandomInt(rng, 0, 24)), 3);
+                std::string s(v.begin(), v.end());
+                if (*options && !s.empty()) s[0] = char(s[0] & ~0x20);
+                const auto ra = a.Search(s), rb = b.Search(s);
+                ASSERT_EQ(ra.status, rb.status) << fast << " on " << s;
+                ASSERT_EQ(ra.records, rb.records) << fast << " (" << options << ") on " << s;
+            }
+        }
+    }
+}
+
+// Subjects that end against an inaccessible page, with one readable byte
+// behind them for the word-boundary anchors: no pattern reads further.
+TEST(RegExpFind, NoReadBeyondTheSubject) {
+    const char* patterns[] = {
+        "\\bab\\b", "b\\B", "\\x{20AC}", "\\x{20AC}+", "\\p{L}+", "\\P{Greek}", "\\X+", "[\\x{20AC}b]+",
+        "(a)\\1", "(ab)\\1*", ".+", "\\D+", "b$", "b\\Z", "(?<=a)b", "(?=b)", "\\C+", "ab|b", "abb",
+    };
+    const std::string tails[] = {"ab", "a\xe2\x82", "a\xe2", "\xe2\x82\xac\xe2\x82", "abab", "e\xcc"};
+    for (const char* p : patterns) {
+        CompiledRegExp re(p);
+        ASSERT_EQ(re.status(), 0) << p;
+        for (const std::string& t : tails) {
+            vkptest::GuardedBuffer buf(t.size(), vkptest::GuardedBuffer::Guard::After, 1);
+            std::memcpy(buf.data(), t.data(), t.size());
+            buf.data()[t.size()] = 'b';
+            vkpRegExpFind m[4];
+            int n = 4;
+            const vkpStatus st = vkpsRegExpFind_8u(buf.data(), int(t.size()), re.state(), m, &n);
+            EXPECT_GE(st, 0) << p;
+            // The same search over an ordinary copy gives the same records.
+            const auto plain = re.Search(t + "b", 4, int(t.size()));
+            ASSERT_EQ(size_t(n), plain.records.size()) << p << " on " << t;
+            for (int i = 0; i < n; ++i)
+                EXPECT_EQ((Span{m[i].pMatch ? long(m[i].pMatch - buf.data()) : -1L, m[i].matchLen}),
+                          plain.records[size_t(i)]);
+        }
+    }
+}
+
+}  // namespace
