@@ -11,6 +11,10 @@
 //   anchor is; any other repeat of it tests it once.
 // - An atomic group with a repeat: each iteration is atomic, the repetition
 //   itself backtracks (greedy gives back iterations, lazy takes more).
+// - When what follows an atomic group (or one iteration of a greedy repeat
+//   of it) fails, the captures made inside it are put back as they were
+//   (Perl), for groups that hold up to kSavedCaptures capturing groups;
+//   beyond that, and under a lazy repeat, they keep the failed attempt's text.
 #include "regexp/match/match_context.h"
 
 namespace vkp::regexp {
@@ -44,8 +48,33 @@ const u8* RunBody(const u8* start, const u8* mustEndAt, MatchContext* ctx, const
     return result;
 }
 
+// Capture numbers inside an atomic body form one run, [first, last];
+// saving them lets a failure behind the group undo what the body set.
+constexpr int kSavedCaptures = 4;
+struct SavedCaptures {
+    int first = 0;
+    int n = 0;
+    RegExpFind records[kSavedCaptures];
+
+    void Save(const MatchContext* ctx, const Instruction* ip, const Instruction* ket) {
+        for (const Instruction* i = ip + 1; i < ket; ++i) {
+            if (i->op != OP_CAPTURE || i->c <= 0 || i->c >= ctx->recordCount) continue;
+            if (n == 0) first = i->c;
+            if (i->c - first >= kSavedCaptures) break;
+            n = i->c - first + 1;
+        }
+        for (int k = 0; k < n; ++k) records[k] = ctx->records[first + k];
+    }
+    void Restore(MatchContext* ctx) const {
+        for (int k = 0; k < n; ++k) ctx->records[first + k] = records[k];
+    }
+};
+
 // Each level of atomic repetition counts against the budget and the stack
 // like a call of MatchHere.
+// With `kCapturing`, an iteration given back also gives back its captures
+// (a separate instantiation, so that other groups pay no stack for it).
+template <bool kCapturing>
 int AtomicGreedy(const u8* pos, MatchContext* ctx, const Instruction* ip, const Instruction* rep, int count,
                  int budget) {
     if (VKP_UNLIKELY(StackPointer() < ctx->stackFloor)) return OutOfStack(ctx);
@@ -53,12 +82,32 @@ int AtomicGreedy(const u8* pos, MatchContext* ctx, const Instruction* ip, const 
     --budget;
     const Instruction* after = rep + 1;
     if (count < rep->b) {
+        SavedCaptures saved;
+        if (kCapturing) saved.Save(ctx, ip, KetOf(ctx, ip->a));
         const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
         // An empty iteration can repeat up to any minimum; more add nothing.
         if (p == pos) return MatchHere(pos, ctx, after, budget);
-        if (p && AtomicGreedy(p, ctx, ip, rep, count + 1, budget) == 0) return 0;
+        if (p && AtomicGreedy<kCapturing>(p, ctx, ip, rep, count + 1, budget) == 0) return 0;
+        if (kCapturing) saved.Restore(ctx);
     }
     return count >= rep->a ? MatchHere(pos, ctx, after, budget) : 1;
+}
+
+// An atomic group without a repeat, whose body holds captures.
+__attribute__((noinline)) int AtomicCapturing(const u8* pos, MatchContext* ctx, const Instruction* ip,
+                                              const Instruction* ket, int budget) {
+    SavedCaptures saved;
+    saved.Save(ctx, ip, ket);
+    const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
+    if (p && MatchHere(p, ctx, ket + 1, budget) == 0) return 0;
+    saved.Restore(ctx);
+    return 1;
+}
+
+bool HoldsCapture(const Instruction* ip, const Instruction* ket) {
+    for (const Instruction* i = ip + 1; i < ket; ++i)
+        if (i->op == OP_CAPTURE) return true;
+    return false;
 }
 
 }  // namespace
@@ -85,10 +134,13 @@ int Atomic(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) 
     const Instruction* ket = KetOf(ctx, ip->a);
     const Instruction* rep = RepeatAfter(ket, ctx);
     if (!rep) {
+        if (ip->b > 1 && HoldsCapture(ip, ket)) return AtomicCapturing(pos, ctx, ip, ket, budget);
         const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
         return p ? MatchHere(p, ctx, ket + 1, budget) : 1;
     }
-    if (rep->op == OP_GREEDY_REPEAT) return AtomicGreedy(pos, ctx, ip, rep, 0, budget);
+    if (rep->op == OP_GREEDY_REPEAT)
+        return HoldsCapture(ip, ket) ? AtomicGreedy<true>(pos, ctx, ip, rep, 0, budget)
+                                     : AtomicGreedy<false>(pos, ctx, ip, rep, 0, budget);
     const Instruction* after = rep + 1;
     for (int count = 0;; ++count) {
         if (count >= rep->a && MatchHere(pos, ctx, after, budget) == 0) return 0;
