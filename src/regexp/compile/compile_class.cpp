@@ -1,7 +1,7 @@
 // Character classes: OP_CLASS followed by its member records.
 #include "regexp/compile/compiler_pass.h"
 #include "regexp/compile/pattern_syntax.h"
-#include "regexp/utf8_decode.h"
+#include "regexp/match/utf8.h"
 
 namespace vkp::regexp {
 namespace {
@@ -41,11 +41,12 @@ Status CompilerPass::ReadClassAtom(int at, ClassAtom* atom) {
     atom->kind = AtomKind::kChar;
     atom->codePoint = false;
     if (c != '\\') {
-        int cp = 0;
-        const int n = c >= 0x80 ? DecodeUtf8(reinterpret_cast<const u8*>(p + at), len - at, &cp) : 0;
-        atom->value = n ? cp : c;
-        atom->codePoint = n && cp >= 256;
-        atom->next = at + (n ? n : 1);
+        // Decoded as subjects are, so a member and the character it names agree.
+        int n = 1;
+        const u8* b = reinterpret_cast<const u8*>(p);
+        atom->value = DecodeChar(b + at, b + len, &n);
+        atom->codePoint = atom->value >= 256;
+        atom->next = at + n;
         return kOk;
     }
     if (at + 1 >= len) {

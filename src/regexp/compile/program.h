@@ -42,9 +42,11 @@ enum Opcode : u32 {
 
 // Class members: an OP_CLASS is followed by b member records. Member
 // OP_CHAR, OP_CODEPOINT and OP_RANGE records carry c = 0, or c = -1 when
-// they come from a negated POSIX name ([:^name:]): such a member matches
-// every character outside it. Member OP_TYPE, OP_CATEGORY, OP_BLOCK and
-// OP_SCRIPT records use their own negation operands.
+// they come from a negated POSIX name ([:^name:]): the consecutive members
+// of one such name form one set, and the class takes every character
+// outside that set ([[:^alpha:]] is "not a letter"). Member OP_TYPE,
+// OP_CATEGORY, OP_BLOCK and OP_SCRIPT records use their own negation
+// operands.
 //
 // Maximum of a repeat that stands for "unlimited".
 constexpr int kRepeatUnlimited = 0x3FFFFFFF;
