@@ -189,6 +189,100 @@ VKPCH_API vkpStatus vkpsRegExpSetFormat(int format, vkpRegExpState* pState);
  * UTF-8. The word-boundary anchors read the byte behind the subject. */
 VKPCH_API vkpStatus vkpsRegExpFind_8u(const vkp8u* pSrc, int srcLen, vkpRegExpState* pState, vkpRegExpFind* pMatches, int* pNumMatches);
 
+/* ---------------------------------------------------------------------------
+ * Regular expressions: replace
+ *
+ * A template is parsed once into a caller-owned vkpRegExpReplaceState of
+ * vkpsRegExpReplaceGetSize bytes. "$&" is the whole match, "$" + digits a
+ * group (above 0; "$01" is group 1); "$" before anything else is -185. A
+ * backslash is dropped and only ends the literal text before it ("\$1" is
+ * still group 1). The state points into the template text, which must stay
+ * alive and unchanged while the state is used.
+ * ------------------------------------------------------------------------- */
+
+#define VKP_REPLACE_LITERAL 0x10000001u  /* value bytes of literal text at pText */
+#define VKP_REPLACE_GROUP   0x10000002u  /* group number value, 0 = whole match */
+
+typedef struct vkpRegExpReplaceItem {
+    vkp32u       kind;   /* VKP_REPLACE_LITERAL or VKP_REPLACE_GROUP */
+    int          value;  /* literal length or group number */
+    const vkp8u* pText;  /* literal: into the template; unused for a group */
+} vkpRegExpReplaceItem;
+
+typedef struct vkpRegExpReplaceState {
+    int                   reserved;
+    int                   itemCount;
+    vkpRegExpReplaceItem* pItems;  /* the items behind this header; NULL for a NULL template */
+    /* followed by itemCount items */
+} vkpRegExpReplaceState;
+
+/* *pSize = 16 * strlen(pTemplate) + 16 (16 for a NULL template). */
+VKPCH_API vkpStatus vkpsRegExpReplaceGetSize(const vkp8u* pTemplate, int* pSize);
+
+/* Parses pTemplate (zero-terminated; NULL gives an empty state). A bad
+ * group reference is -185, after which the state must not be used. */
+VKPCH_API vkpStatus vkpsRegExpReplaceInit(const vkp8u* pTemplate, vkpRegExpReplaceState* pReplaceState);
+
+/* Writes pSrc[0..*pSrcLen) with the first match (or, with the pattern's
+ * option g, every match the record array holds) replaced by the template
+ * into pDst[0..*pDstLen). pMatches/pNumMatches are the search's record
+ * array as for vkpsRegExpFind_8u; a global replace takes record 0 and every
+ * group per match. A piece (text before or between matches, one template
+ * item, the rest of the source) is written only when it fits strictly
+ * within the room left. On return *pSrcLen is the source consumed and
+ * *pDstLen the bytes written, so a caller resumes at pSrc + *pSrcLen with a
+ * fresh destination. Returns the search's status; on -188 or -189 nothing
+ * is written and both lengths are unchanged. */
+VKPCH_API vkpStatus vkpsRegExpReplace_8u(const vkp8u* pSrc, int* pSrcLen, vkp8u* pDst, int* pDstLen,
+                                         vkpRegExpFind* pMatches, int* pNumMatches, vkpRegExpState* pState,
+                                         vkpRegExpReplaceState* pReplaceState);
+
+/* ---------------------------------------------------------------------------
+ * Regular expressions: pattern sets
+ *
+ * A set keeps pointers to up to maxPatterns compiled patterns, each under a
+ * non-zero identifier, in a caller-owned block of 12 * maxPatterns + 24
+ * bytes. The patterns must outlive the set.
+ * ------------------------------------------------------------------------- */
+
+typedef struct vkpRegExpMultiState {
+    int                    capacity;
+    const vkpRegExpState** pPatterns;  /* capacity slots behind this header, NULL = free */
+    int*                   pIds;       /* capacity identifiers behind the slots */
+    /* followed by the two arrays */
+} vkpRegExpMultiState;
+
+/* One result record per slot. */
+typedef struct vkpRegExpMultiFind {
+    int            isValid;     /* 1 when the slot held a pattern; untouched otherwise */
+    int            patternId;
+    int            numMatches;  /* in: capacity of pMatches; out: records written */
+    vkpStatus      status;      /* the status of this pattern's search */
+    vkpRegExpFind* pMatches;
+} vkpRegExpMultiFind;
+
+/* *pSize = 12 * maxPatterns + 24; maxPatterns below 1, or a size beyond an
+ * int, is -6. */
+VKPCH_API vkpStatus vkpsRegExpMultiGetSize(int maxPatterns, int* pSize);
+VKPCH_API vkpStatus vkpsRegExpMultiInit(vkpRegExpMultiState* pState, int maxPatterns);
+/* Allocates through vkpMalloc (failure -8, *ppState NULL) and initialises. */
+VKPCH_API vkpStatus vkpsRegExpMultiInitAlloc(vkpRegExpMultiState** ppState, int maxPatterns);
+/* Releases a set made by vkpsRegExpMultiInitAlloc (as vkpsRegExpFree). */
+VKPCH_API void vkpsRegExpMultiFree(vkpRegExpMultiState* pState);
+
+/* Adds into the lowest free slot (-9 when full); identifiers are not
+ * checked for duplicates. Delete and Modify act on the lowest slot with
+ * the identifier (-2 when none). Identifier 0 is -5. */
+VKPCH_API vkpStatus vkpsRegExpMultiAdd(const vkpRegExpState* pPattern, int patternId, vkpRegExpMultiState* pState);
+VKPCH_API vkpStatus vkpsRegExpMultiDelete(int patternId, vkpRegExpMultiState* pState);
+VKPCH_API vkpStatus vkpsRegExpMultiModify(const vkpRegExpState* pPattern, int patternId, vkpRegExpMultiState* pState);
+
+/* Searches pSrc[0..srcLen) (srcLen at least 1) with every pattern of the
+ * set: record i of pResults for slot i, as vkpsRegExpFind_8u with its
+ * pMatches and numMatches. Records of free slots are not written. */
+VKPCH_API vkpStatus vkpsRegExpMultiFind_8u(const vkp8u* pSrc, int srcLen, vkpRegExpMultiFind* pResults,
+                                           const vkpRegExpMultiState* pState);
+
 #ifdef __cplusplus
 }
 #endif

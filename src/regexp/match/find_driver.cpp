@@ -63,7 +63,7 @@ void Append(const RegExpFind* records, int first, int count, RegExpFind* out, in
 }  // namespace
 
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor) {
+                   const char* stackFloor, bool allRecords) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
@@ -197,8 +197,8 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     // the groups. After an empty match, a non-empty match of one character
     // (one byte under format 0) is tried at the same place before moving on
     // by that character; an empty match at the very end stops the search.
-    const int firstRecord = groups > 1 ? 1 : 0;
-    const int perMatch = groups > 1 ? groups - 1 : 1;
+    const int firstRecord = groups > 1 && !allRecords ? 1 : 0;
+    const int perMatch = groups > 1 && !allRecords ? groups - 1 : groups;
     const int cap = *numMatches;
     int written = 0;
     const u8* pos = start;

@@ -1,0 +1,146 @@
+// Pattern sets: up to a fixed number of compiled patterns under caller-chosen
+// non-zero identifiers, searched one after another on one subject. The block
+// is {capacity, slot array pointer, identifier array pointer}, then the
+// capacity pattern pointers, then the capacity identifiers.
+#include <emmintrin.h>
+#include <limits.h>
+
+#include "frame/entries.h"
+#include "regexp/compile/state.h"
+#include "regexp/match/block_copy.h"
+#include "vkpcore.h"
+
+namespace vkp::entry {
+namespace {
+
+using MultiState = vkpRegExpMultiState;
+static_assert(sizeof(MultiState) == 24 && sizeof(vkpRegExpMultiFind) == 24);
+
+constexpr Status kErrSetFull = VKP_ERR_SET_FULL;
+constexpr Status kErrNoSuchId = VKP_ERR_NO_SUCH_ID;
+constexpr Status kErrZeroId = VKP_ERR_ZERO_ID;
+
+// Block bytes for a capacity, or -1 when below 1 or beyond an int.
+long long SetBlockSize(int maxPatterns) {
+    if (maxPatterns < 1) return -1;
+    const long long size = 12LL * maxPatterns + 24;
+    return size > INT_MAX ? -1 : size;
+}
+
+// The lowest slot whose identifier is id, or -1; four identifiers a step.
+int FindId(const MultiState* s, int id) {
+    const int n = s->capacity;
+    const int* ids = s->pIds;
+    const __m128i key = _mm_set1_epi32(id);
+    int i = 0;
+    for (; i + 4 <= n; i += 4) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(ids + i));
+        const unsigned m = unsigned(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(v, key))));
+        if (m) return i + __builtin_ctz(m);
+    }
+    for (; i < n; ++i)
+        if (ids[i] == id) return i;
+    return -1;
+}
+
+// The lowest free slot, or -1; two pointers a step (a pointer is null when
+// both its 32-bit halves are zero).
+int FindFree(const MultiState* s) {
+    const int n = s->capacity;
+    const RegExpState* const* slots = s->pPatterns;
+    int i = 0;
+    for (; i + 2 <= n; i += 2) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(slots + i));
+        const __m128i zero = _mm_cmpeq_epi32(v, _mm_setzero_si128());
+        const unsigned m = unsigned(_mm_movemask_pd(_mm_castsi128_pd(_mm_and_si128(zero, _mm_shuffle_epi32(zero, 0xB1)))));
+        if (m) return i + __builtin_ctz(m);
+    }
+    for (; i < n; ++i)
+        if (!slots[i]) return i;
+    return -1;
+}
+
+}  // namespace
+
+Status vkpsRegExpMultiGetSize(int maxPatterns, int* pSize) {
+    if (!pSize) return kErrNull;
+    const long long size = SetBlockSize(maxPatterns);
+    if (size < 0) return kErrSize;
+    *pSize = static_cast<int>(size);
+    return kOk;
+}
+
+Status vkpsRegExpMultiInit(MultiState* pState, int maxPatterns) {
+    if (!pState) return kErrNull;
+    if (SetBlockSize(maxPatterns) < 0) return kErrSize;
+    pState->pPatterns = reinterpret_cast<const RegExpState**>(pState + 1);
+    pState->pIds = reinterpret_cast<int*>(pState->pPatterns + maxPatterns);
+    regexp::ZeroFill(reinterpret_cast<u8*>(pState + 1), 12 * maxPatterns);
+    pState->capacity = maxPatterns;
+    return kOk;
+}
+
+Status vkpsRegExpMultiInitAlloc(MultiState** ppState, int maxPatterns) {
+    if (!ppState) return kErrNull;
+    *ppState = nullptr;
+    const long long size = SetBlockSize(maxPatterns);
+    if (size < 0) return kErrSize;
+    auto* state = static_cast<MultiState*>(vkpMalloc(static_cast<int>(size)));
+    if (!state) return kErrNull;  // the same code as a null argument
+    entry::vkpsRegExpMultiInit(state, maxPatterns);
+    *ppState = state;
+    return kOk;
+}
+
+void vkpsRegExpMultiFree(MultiState* pState) { vkpFree(pState); }
+
+Status vkpsRegExpMultiAdd(const RegExpState* pPattern, int patternId, MultiState* pState) {
+    if (!pPattern || !pState) return kErrNull;
+    if (patternId == 0) return kErrZeroId;
+    if (pState->capacity < 1) return kErrSetFull;
+    const int i = FindFree(pState);
+    if (i < 0) return kErrSetFull;
+    pState->pPatterns[i] = pPattern;
+    pState->pIds[i] = patternId;
+    return kOk;
+}
+
+Status vkpsRegExpMultiDelete(int patternId, MultiState* pState) {
+    if (!pState) return kErrNull;
+    if (patternId == 0) return kErrZeroId;
+    if (pState->capacity < 1) return kErrNoSuchId;
+    const int i = FindId(pState, patternId);
+    if (i < 0) return kErrNoSuchId;
+    pState->pPatterns[i] = nullptr;
+    pState->pIds[i] = 0;
+    return kOk;
+}
+
+Status vkpsRegExpMultiModify(const RegExpState* pPattern, int patternId, MultiState* pState) {
+    if (!pPattern || !pState) return kErrNull;
+    if (patternId == 0) return kErrZeroId;
+    if (pState->capacity < 1) return kErrNoSuchId;
+    const int i = FindId(pState, patternId);
+    if (i < 0) return kErrNoSuchId;
+    pState->pPatterns[i] = pPattern;
+    return kOk;
+}
+
+Status vkpsRegExpMultiFind_8u(const u8* pSrc, int srcLen, vkpRegExpMultiFind* pResults, const MultiState* pState) {
+    if (!pSrc || !pResults || !pState) return kErrNull;
+    if (srcLen < 1) return kErrSize;
+    for (int i = 0; i < pState->capacity; ++i) {
+        const RegExpState* pattern = pState->pPatterns[i];
+        if (!pattern) continue;
+        vkpRegExpMultiFind& r = pResults[i];
+        r.isValid = r.patternId = r.status = 0;
+        // The set keeps the patterns as const; a search writes only their
+        // work areas.
+        r.status = entry::vkpsRegExpFind_8u(pSrc, srcLen, const_cast<RegExpState*>(pattern), r.pMatches, &r.numMatches);
+        r.patternId = pState->pIds[i];
+        r.isValid = 1;
+    }
+    return kOk;
+}
+
+}  // namespace vkp::entry
