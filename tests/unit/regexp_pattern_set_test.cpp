@@ -1,0 +1,160 @@
+// Pattern sets: random add/delete/modify sequences against a model of the
+// slots, blocks of exactly the documented size against an inaccessible page,
+// and each search record against a search with that pattern alone.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/guarded_buffer.h"
+#include "support/random_text.h"
+#include "support/regexp_search.h"
+
+namespace {
+
+using vkptest::CompiledRegExp;
+using vkptest::GuardedBuffer;
+
+struct Slot {
+    const vkpRegExpState* pattern = nullptr;
+    int id = 0;
+};
+
+TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
+    const char* const patterns[] = {"a+", "(b)(c)?", "\\d+", "x|yz", "q", "^a", "(?<=b)a*"};
+    std::vector<std::unique_ptr<CompiledRegExp>> compiled;
+    for (const char* p : patterns) compiled.push_back(std::make_unique<CompiledRegExp>(p, "g"));
+    compiled.push_back(std::make_unique<CompiledRegExp>("(a)(b)", ""));
+    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);  // not a compiled pattern: status -189
+    auto pick = [&](vkptest::Rng& rng) -> const vkpRegExpState* {
+        const int k = vkptest::RandomInt(rng, 0, int(compiled.size()));
+        return k == int(compiled.size()) ? reinterpret_cast<const vkpRegExpState*>(blank.data()) : compiled[size_t(k)]->state();
+    };
+    vkptest::Rng rng(5407);
+    for (int capacity = 1; capacity <= 11; ++capacity) {
+        int size = 0;
+        ASSERT_EQ(vkpsRegExpMultiGetSize(capacity, &size), 0);
+        ASSERT_EQ(size, 12 * capacity + 24);
+        // Flush against the page behind it; with an odd capacity the block
+        // would not be 8-byte aligned there, so the page lies in front.
+        GuardedBuffer block(size_t(size), capacity % 2 ? GuardedBuffer::Guard::Before : GuardedBuffer::Guard::After);
+        std::memset(block.data(), 0xCD, block.size());
+        auto* set = block.as<vkpRegExpMultiState>();
+        ASSERT_EQ(vkpsRegExpMultiInit(set, capacity), 0);
+        ASSERT_EQ(set->capacity, capacity);
+        ASSERT_EQ(reinterpret_cast<unsigned char*>(set->pIds + capacity), block.data() + size);
+        std::vector<Slot> model(static_cast<size_t>(capacity));
+        for (int op = 0; op < 400; ++op) {
+            const int id = vkptest::RandomInt(rng, -2, 5);  // duplicates and 0 on purpose
+            const vkpRegExpState* p = pick(rng);
+            vkpStatus expect = 0, got = 0;
+            auto lowest = [&](auto pred) {
+                for (size_t i = 0; i < model.size(); ++i)
+                    if (pred(model[i])) return int(i);
+                return -1;
+            };
+            switch (vkptest::RandomInt(rng, 0, 2)) {
+                case 0: {
+                    const int i = lowest([](const Slot& s) { return s.pattern == nullptr; });
+                    expect = id == 0 ? VKP_ERR_ZERO_ID : i < 0 ? VKP_ERR_SET_FULL : 0;
+                    if (expect == 0) model[size_t(i)] = {p, id};
+                    got = vkpsRegExpMultiAdd(p, id, set);
+                    break;
+                }
+                case 1: {
+                    const int i = lowest([&](const Slot& s) { return s.id == id; });
+                    expect = id == 0 ? VKP_ERR_ZERO_ID : i < 0 ? VKP_ERR_NO_SUCH_ID : 0;
+                    if (expect == 0) model[size_t(i)] = {};
+                    got = vkpsRegExpMultiDelete(id, set);
+                    break;
+                }
+                default: {
+                    const int i = lowest([&](const Slot& s) { return s.id == id; });
+                    expect = id == 0 ? VKP_ERR_ZERO_ID : i < 0 ? VKP_ERR_NO_SUCH_ID : 0;
+                    if (expect == 0) model[size_t(i)].pattern = p;
+                    got = vkpsRegExpMultiModify(p, id, set);
+                }
+            }
+            ASSERT_EQ(got, expect) << "op " << op;
+            for (int i = 0; i < capacity; ++i) {
+                ASSERT_EQ(set->pPatterns[i], model[size_t(i)].pattern) << "slot " << i;
+                ASSERT_EQ(set->pIds[i], model[size_t(i)].id) << "slot " << i;
+            }
+            if (op % 8) continue;
+            // Search: a record per used slot as that pattern's own search;
+            // records of free slots stay as they were.
+            const std::string subject = "xaab1c2bc yz" + std::to_string(op);
+            std::vector<vkpRegExpFind> records(static_cast<size_t>(capacity) * 8);
+            std::vector<vkpRegExpMultiFind> results(static_cast<size_t>(capacity));
+            for (int i = 0; i < capacity; ++i)
+                results[size_t(i)] = {-7, -7, 1 + i % 5, -7, records.data() + 8 * i};
+            ASSERT_EQ(vkpsRegExpMultiFind_8u(reinterpret_cast<const vkp8u*>(subject.c_str()), int(subject.size()),
+                                             results.data(), set),
+                      0);
+            for (int i = 0; i < capacity; ++i) {
+                const vkpRegExpMultiFind& r = results[size_t(i)];
+                const Slot& s = model[size_t(i)];
+                if (!s.pattern) {
+                    EXPECT_EQ(r.isValid, -7);
+                    EXPECT_EQ(r.numMatches, 1 + i % 5);
+                    continue;
+                }
+                std::vector<vkpRegExpFind> alone(8);
+                int n = 1 + i % 5;
+                const vkpStatus st = vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(subject.c_str()), int(subject.size()),
+                                                       const_cast<vkpRegExpState*>(s.pattern), alone.data(), &n);
+                EXPECT_EQ(r.isValid, 1);
+                EXPECT_EQ(r.patternId, s.id);
+                EXPECT_EQ(r.status, st);
+                EXPECT_EQ(r.numMatches, n);
+                for (int k = 0; k < n && st >= 0; ++k) {
+                    EXPECT_EQ(r.pMatches[k].pMatch, alone[size_t(k)].pMatch);
+                    EXPECT_EQ(r.pMatches[k].matchLen, alone[size_t(k)].matchLen);
+                }
+            }
+        }
+    }
+}
+
+TEST(RegExpPatternSet, ArgumentChecks) {
+    int size = 5;
+    EXPECT_EQ(vkpsRegExpMultiGetSize(1, nullptr), VKP_ERR_NULL);
+    for (int bad : {0, -1, INT_MIN, (INT_MAX - 24) / 12 + 1}) {
+        EXPECT_EQ(vkpsRegExpMultiGetSize(bad, &size), VKP_ERR_SIZE) << bad;
+        alignas(8) unsigned char block[48];
+        EXPECT_EQ(vkpsRegExpMultiInit(reinterpret_cast<vkpRegExpMultiState*>(block), bad), VKP_ERR_SIZE);
+        vkpRegExpMultiState* p = reinterpret_cast<vkpRegExpMultiState*>(block);
+        EXPECT_EQ(vkpsRegExpMultiInitAlloc(&p, bad), VKP_ERR_SIZE);
+        EXPECT_EQ(p, nullptr);
+    }
+    EXPECT_EQ(size, 5);
+    EXPECT_EQ(vkpsRegExpMultiGetSize((INT_MAX - 24) / 12, &size), 0);
+    EXPECT_EQ(vkpsRegExpMultiInit(nullptr, 1), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiInitAlloc(nullptr, 1), VKP_ERR_NULL);
+
+    vkpRegExpMultiState* set = nullptr;
+    ASSERT_EQ(vkpsRegExpMultiInitAlloc(&set, 2), 0);
+    CompiledRegExp re("a");
+    EXPECT_EQ(vkpsRegExpMultiAdd(nullptr, 1, set), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiAdd(re.state(), 1, nullptr), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiModify(nullptr, 1, set), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiModify(re.state(), 1, nullptr), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiDelete(1, nullptr), VKP_ERR_NULL);
+    vkpRegExpMultiFind r[2] = {};
+    const vkp8u s[] = "a";
+    EXPECT_EQ(vkpsRegExpMultiFind_8u(nullptr, 1, r, set), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiFind_8u(s, 1, nullptr, set), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiFind_8u(s, 1, r, nullptr), VKP_ERR_NULL);
+    EXPECT_EQ(vkpsRegExpMultiFind_8u(s, 0, r, set), VKP_ERR_SIZE);  // an empty subject too
+    // A set of capacity 0 (a block the caller zeroed).
+    vkpRegExpMultiState none{};
+    EXPECT_EQ(vkpsRegExpMultiAdd(re.state(), 1, &none), VKP_ERR_SET_FULL);
+    EXPECT_EQ(vkpsRegExpMultiDelete(1, &none), VKP_ERR_NO_SUCH_ID);
+    EXPECT_EQ(vkpsRegExpMultiModify(re.state(), 1, &none), VKP_ERR_NO_SUCH_ID);
+    vkpsRegExpMultiFree(set);
+}
+
+}  // namespace
