@@ -153,6 +153,7 @@ private:
 }  // namespace
 
 int CmdGrep(const Args& args) {
+    if (GrepUsesPatternList(args)) return CmdGrepPatternSet(args);
     Settings s;
     size_t i = 0;
     for (; i < args.size() && args[i].size() > 1 && args[i][0] == '-'; ++i) {

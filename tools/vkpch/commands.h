@@ -11,6 +11,10 @@ int CmdVersion(const Args& args);
 int CmdFind(const Args& args);
 int CmdGrep(const Args& args);
 int CmdCompile(const Args& args);
+int CmdReplace(const Args& args);
+// grep with -e/-f: the patterns form one pattern set.
+bool GrepUsesPatternList(const Args& args);
+int CmdGrepPatternSet(const Args& args);
 
 // Prints "vkpch: MESSAGE" to standard error and returns 2.
 int Fail(const std::string& message);

@@ -10,7 +10,9 @@ constexpr const char* kUsage =
     "usage: vkpch version\n"
     "       vkpch find [--rev] NEEDLE [FILE...]\n"
     "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n"
-    "       vkpch compile [-o OPTIONS] PATTERN\n";
+    "       vkpch compile [-o OPTIONS] PATTERN\n"
+    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] -e PATTERN [-e PATTERN...] | -f FILE [FILE...]\n"
+    "       vkpch replace [-i] [-m] [-s] [-x] [-g] PATTERN TEMPLATE [FILE...]\n";
 
 }  // namespace
 
@@ -31,6 +33,7 @@ int main(int argc, char** argv) {
     if (command == "compile") return CmdCompile(args);
 #ifdef VKPCH_HAVE_REGEXP_FIND
     if (command == "grep") return CmdGrep(args);
+    if (command == "replace") return CmdReplace(args);
 #endif
     if (command == "--help" || command == "-h" || command == "help") {
         std::fputs(kUsage, stdout);

@@ -1,0 +1,248 @@
+// vkpch grep with -e PATTERN (repeatable) or -f FILE (one pattern a line): a
+// line matches when any pattern matches, found with one pattern set and
+// vkpsRegExpMultiFind_8u per line. -o prints every non-empty match as
+// "N:match", N the number of the pattern that found it (patterns count from 1
+// in the order given), in the order of the matches in the line.
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "compiled_pattern.h"
+#include "input.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] -e PATTERN [-e PATTERN...] | -f FILE [FILE...]";
+
+struct Settings {
+    std::string options;
+    bool onlyMatches = false, count = false, lineNumbers = false;
+    std::vector<std::string> patterns;
+};
+
+struct Hit {
+    int offset, length, pattern;
+};
+
+class SetGrep {
+public:
+    explicit SetGrep(const Settings& s) : s_(s) { vkpsRegExpReplaceInit(nullptr, &none_); }
+
+    // Compiles every pattern (and, for -o, its global form) and fills the set.
+    bool Prepare() {
+        const size_t n = s_.patterns.size();
+        single_.resize(n);
+        global_.resize(n);
+        vkpsRegExpMultiInitAlloc(&set_, int(n));
+        if (!set_) return Fail("grep: out of memory") == 0;
+        for (size_t k = 0; k < n; ++k) {
+            int errOffset = 0;
+            single_[k] = std::make_unique<CompiledPattern>();
+            int st = single_[k]->Compile(s_.patterns[k], s_.options, &errOffset);
+            if (st == 0 && s_.onlyMatches) {
+                global_[k] = std::make_unique<CompiledPattern>();
+                st = global_[k]->Compile(s_.patterns[k], s_.options + "g", &errOffset);
+            }
+            if (st != 0) {
+                std::fprintf(stderr, "vkpch: grep: pattern %zu:\n", k + 1);
+                PrintTextError("grep", "pattern", s_.patterns[k], st, errOffset);
+                return false;
+            }
+            vkpsRegExpMultiAdd(single_[k]->State(), int(k) + 1, set_);
+        }
+        results_.resize(n);
+        return true;
+    }
+    ~SetGrep() {
+        if (set_) vkpsRegExpMultiFree(set_);
+    }
+
+    bool failed = false;
+
+    int64_t Run(const std::vector<unsigned char>& data, const std::string& prefix, const std::string& name) {
+        int64_t matching = 0, lineNo = 0;
+        for (size_t start = 0; start < data.size();) {
+            size_t end = start;
+            while (data[end] != '\n') ++end;
+            ++lineNo;
+            if (end - start > size_t(INT32_MAX)) {
+                std::fprintf(stderr, "vkpch: grep: %s:%lld: line longer than 2 GiB, skipped\n", name.c_str(),
+                             static_cast<long long>(lineNo));
+                failed = true;
+            } else if (Line(data.data() + start, int(end - start), prefix, lineNo, name)) {
+                ++matching;
+            }
+            start = end + 1;
+        }
+        if (s_.count) std::printf("%s%lld\n", prefix.c_str(), static_cast<long long>(matching));
+        return matching;
+    }
+
+private:
+    bool Usable(int st, int found, int64_t lineNo, const std::string& name) {
+        if (st == VKP_ERR_MATCH_LIMIT) {
+            std::fprintf(stderr, "vkpch: grep: %s:%lld: the match budget ran out before a match was found\n",
+                         name.c_str(), static_cast<long long>(lineNo));
+            failed = true;
+        }
+        return st >= 0 && found > 0;
+    }
+
+    // Which patterns match: the set's search (the set refuses an empty
+    // subject, so an empty line is searched pattern by pattern).
+    void Search(const unsigned char* line, int len, int64_t lineNo, const std::string& name) {
+        const size_t n = s_.patterns.size();
+        matched_.assign(n, false);
+        records_.resize(n);
+        for (size_t k = 0; k < n; ++k) {
+            records_[k].resize(size_t(single_[k]->GroupCount()));
+            results_[k] = {0, 0, int(records_[k].size()), 0, records_[k].data()};
+        }
+        if (len > 0) {
+            vkpsRegExpMultiFind_8u(line, len, results_.data(), set_);
+        } else {
+            for (size_t k = 0; k < n; ++k)
+                results_[k].status = vkpsRegExpFind_8u(line, 0, single_[k]->State(), results_[k].pMatches,
+                                                       &results_[k].numMatches);
+        }
+        for (size_t k = 0; k < n; ++k) matched_[k] = Usable(results_[k].status, results_[k].numMatches, lineNo, name);
+    }
+
+    // Every match of pattern k in the line: a global replace with an empty
+    // template reports record 0 and the groups of each match in its record
+    // array, which grows until a call leaves it not full.
+    void Collect(size_t k, const unsigned char* line, int len, int64_t lineNo, const std::string& name) {
+        const size_t groups = size_t(global_[k]->GroupCount());
+        const size_t most = groups * (2 * size_t(len) + 2);
+        scratch_.resize(size_t(len) + 1);
+        for (size_t room = std::min(most, groups * 64);; room = std::min(most, room * 4)) {
+            all_.resize(room);
+            int srcLen = len, dstLen = len + 1, count = int(room);
+            const int st = vkpsRegExpReplace_8u(line, &srcLen, scratch_.data(), &dstLen, all_.data(), &count,
+                                                global_[k]->State(), &none_);
+            if (!Usable(st, count, lineNo, name)) return;
+            if (size_t(count) == room && room < most) continue;
+            for (size_t r = 0; r < size_t(count); r += groups)
+                if (all_[r].matchLen > 0) hits_.push_back({int(all_[r].pMatch - line), all_[r].matchLen, int(k) + 1});
+            return;
+        }
+    }
+
+    void Prefix(const std::string& prefix, int64_t lineNo) {
+        std::fputs(prefix.c_str(), stdout);
+        if (s_.lineNumbers) std::printf("%lld:", static_cast<long long>(lineNo));
+    }
+
+    bool Line(const unsigned char* line, int len, const std::string& prefix, int64_t lineNo, const std::string& name) {
+        Search(line, len, lineNo, name);
+        if (std::find(matched_.begin(), matched_.end(), true) == matched_.end()) return false;
+        if (s_.count) return true;
+        if (!s_.onlyMatches) {
+            Prefix(prefix, lineNo);
+            std::fwrite(line, 1, size_t(len), stdout);
+            std::putchar('\n');
+            return true;
+        }
+        hits_.clear();
+        for (size_t k = 0; k < matched_.size(); ++k)
+            if (matched_[k] && len > 0) Collect(k, line, len, lineNo, name);
+        std::stable_sort(hits_.begin(), hits_.end(), [](const Hit& a, const Hit& b) { return a.offset < b.offset; });
+        for (const Hit& h : hits_) {
+            Prefix(prefix, lineNo);
+            std::printf("%d:", h.pattern);
+            std::fwrite(line + h.offset, 1, size_t(h.length), stdout);
+            std::putchar('\n');
+        }
+        return !hits_.empty();
+    }
+
+    const Settings& s_;
+    vkpRegExpMultiState* set_ = nullptr;
+    std::vector<std::unique_ptr<CompiledPattern>> single_, global_;
+    std::vector<vkpRegExpMultiFind> results_;
+    std::vector<std::vector<vkpRegExpFind>> records_;
+    std::vector<bool> matched_;
+    std::vector<vkpRegExpFind> all_;
+    std::vector<unsigned char> scratch_;
+    std::vector<Hit> hits_;
+    vkpRegExpReplaceState none_;  // an empty template
+};
+
+bool ReadPatternFile(const std::string& path, std::vector<std::string>& patterns, std::string& error) {
+    std::vector<unsigned char> data;
+    if (!ReadInput(path, data, error)) return false;
+    std::string line;
+    for (unsigned char c : data) {
+        if (c != '\n') {
+            line += char(c);
+            continue;
+        }
+        patterns.push_back(line);
+        line.clear();
+    }
+    if (!line.empty()) patterns.push_back(line);
+    return true;
+}
+
+}  // namespace
+
+bool GrepUsesPatternList(const Args& args) {
+    for (const std::string& a : args) {
+        if (a == "--" || a.size() < 2 || a[0] != '-') return false;
+        if (a.find_first_of("ef") != std::string::npos) return true;
+    }
+    return false;
+}
+
+int CmdGrepPatternSet(const Args& args) {
+    Settings s;
+    size_t i = 0;
+    for (; i < args.size() && args[i].size() > 1 && args[i][0] == '-'; ++i) {
+        if (args[i] == "--") {
+            ++i;
+            break;
+        }
+        for (size_t k = 1; k < args[i].size(); ++k) {
+            const char f = args[i][k];
+            if (f == 'e' || f == 'f') {
+                // The value is the rest of this argument or the next one.
+                std::string value = args[i].substr(k + 1);
+                if (value.empty()) {
+                    if (++i >= args.size()) return Fail(std::string("grep: -") + f + " needs a value (" + kUsage + ")");
+                    value = args[i];
+                }
+                std::string error;
+                if (f == 'e') s.patterns.push_back(value);
+                else if (!ReadPatternFile(value, s.patterns, error)) return Fail(error);
+                break;
+            }
+            if (f == 'i' || f == 'm' || f == 's' || f == 'x') s.options += f;
+            else if (f == 'o') s.onlyMatches = true;
+            else if (f == 'c') s.count = true;
+            else if (f == 'n') s.lineNumbers = true;
+            else return Fail("grep: unknown option '-" + std::string(1, f) + "' (" + kUsage + ")");
+        }
+    }
+    if (s.patterns.empty()) return Fail(std::string("grep: no patterns (") + kUsage + ")");
+    Args files(args.begin() + long(i), args.end());
+    if (files.empty()) files.push_back("-");
+
+    SetGrep grep(s);
+    if (!grep.Prepare()) return 2;
+    int64_t found = 0;
+    std::vector<unsigned char> data;
+    for (const std::string& file : files) {
+        std::string error;
+        if (!ReadInput(file, data, error)) return Fail(error);
+        if (!data.empty() && data.back() != '\n') data.push_back('\n');  // also the byte behind the last subject
+        const std::string name = file == "-" ? "(standard input)" : file;
+        found += grep.Run(data, files.size() > 1 ? name + ":" : "", name);
+    }
+    if (grep.failed) return 2;
+    return found > 0 ? 0 : 1;
+}
