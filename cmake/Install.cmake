@@ -6,6 +6,7 @@ install(TARGETS vkpchu8 vkpcore EXPORT vkpchTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/vkpch.h include/vkpcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/vkpch.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})  # C++17 wrappers
 
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vkpch)
 install(EXPORT vkpchTargets NAMESPACE vkpch:: DESTINATION ${config_dir})

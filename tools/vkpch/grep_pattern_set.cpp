@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "commands.h"
-#include "compiled_pattern.h"
 #include "input.h"
+#include "text_error.h"
+#include "vkpch.hpp"
 
 namespace {
 
@@ -31,29 +31,21 @@ struct Hit {
 
 class SetGrep {
 public:
-    explicit SetGrep(const Settings& s) : s_(s) { vkpsRegExpReplaceInit(nullptr, &none_); }
+    explicit SetGrep(const Settings& s) : s_(s) {}
 
-    // Compiles every pattern (and, for -o, its global form) and fills the set.
+    // Compiles every pattern and fills the set.
     bool Prepare() {
         const size_t n = s_.patterns.size();
-        single_.resize(n);
-        global_.resize(n);
         vkpsRegExpMultiInitAlloc(&set_, int(n));
         if (!set_) return Fail("grep: out of memory") == 0;
         for (size_t k = 0; k < n; ++k) {
-            int errOffset = 0;
-            single_[k] = std::make_unique<CompiledPattern>();
-            int st = single_[k]->Compile(s_.patterns[k], s_.options, &errOffset);
-            if (st == 0 && s_.onlyMatches) {
-                global_[k] = std::make_unique<CompiledPattern>();
-                st = global_[k]->Compile(s_.patterns[k], s_.options + "g", &errOffset);
-            }
-            if (st != 0) {
+            regexps_.emplace_back(s_.patterns[k].c_str(), s_.options.c_str());
+            if (!regexps_[k].ok()) {
                 std::fprintf(stderr, "vkpch: grep: pattern %zu:\n", k + 1);
-                PrintTextError("grep", "pattern", s_.patterns[k], st, errOffset);
+                PrintTextError("grep", "pattern", s_.patterns[k], regexps_[k].status(), regexps_[k].errorOffset());
                 return false;
             }
-            vkpsRegExpMultiAdd(single_[k]->State(), int(k) + 1, set_);
+            vkpsRegExpMultiAdd(regexps_[k].state(), int(k) + 1, set_);
         }
         results_.resize(n);
         return true;
@@ -100,37 +92,27 @@ private:
         matched_.assign(n, false);
         records_.resize(n);
         for (size_t k = 0; k < n; ++k) {
-            records_[k].resize(size_t(single_[k]->GroupCount()));
+            records_[k].resize(size_t(regexps_[k].groupCount()));
             results_[k] = {0, 0, int(records_[k].size()), 0, records_[k].data()};
         }
         if (len > 0) {
             vkpsRegExpMultiFind_8u(line, len, results_.data(), set_);
         } else {
             for (size_t k = 0; k < n; ++k)
-                results_[k].status = vkpsRegExpFind_8u(line, 0, single_[k]->State(), results_[k].pMatches,
+                results_[k].status = vkpsRegExpFind_8u(line, 0, regexps_[k].state(), results_[k].pMatches,
                                                        &results_[k].numMatches);
         }
         for (size_t k = 0; k < n; ++k) matched_[k] = Usable(results_[k].status, results_[k].numMatches, lineNo, name);
     }
 
-    // Every match of pattern k in the line: a global replace with an empty
-    // template reports record 0 and the groups of each match in its record
-    // array, which grows until a call leaves it not full.
+    // Every non-empty match of pattern k in the line.
     void Collect(size_t k, const unsigned char* line, int len, int64_t lineNo, const std::string& name) {
-        const size_t groups = size_t(global_[k]->GroupCount());
-        const size_t most = groups * (2 * size_t(len) + 2);
-        scratch_.resize(size_t(len) + 1);
-        for (size_t room = std::min(most, groups * 64);; room = std::min(most, room * 4)) {
-            all_.resize(room);
-            int srcLen = len, dstLen = len + 1, count = int(room);
-            const int st = vkpsRegExpReplace_8u(line, &srcLen, scratch_.data(), &dstLen, all_.data(), &count,
-                                                global_[k]->State(), &none_);
-            if (!Usable(st, count, lineNo, name)) return;
-            if (size_t(count) == room && room < most) continue;
-            for (size_t r = 0; r < size_t(count); r += groups)
-                if (all_[r].matchLen > 0) hits_.push_back({int(all_[r].pMatch - line), all_[r].matchLen, int(k) + 1});
-            return;
-        }
+        vkpStatus st = 0;
+        const std::vector<vkpch::Match> all =
+            regexps_[k].findAll(std::string_view(reinterpret_cast<const char*>(line), size_t(len)), &st);
+        Usable(st, 1, lineNo, name);
+        for (const vkpch::Match& m : all)
+            if (!m.str().empty()) hits_.push_back({int(m.position()), int(m.str().size()), int(k) + 1});
     }
 
     void Prefix(const std::string& prefix, int64_t lineNo) {
@@ -163,14 +145,11 @@ private:
 
     const Settings& s_;
     vkpRegExpMultiState* set_ = nullptr;
-    std::vector<std::unique_ptr<CompiledPattern>> single_, global_;
+    std::vector<vkpch::Regex> regexps_;
     std::vector<vkpRegExpMultiFind> results_;
     std::vector<std::vector<vkpRegExpFind>> records_;
     std::vector<bool> matched_;
-    std::vector<vkpRegExpFind> all_;
-    std::vector<unsigned char> scratch_;
     std::vector<Hit> hits_;
-    vkpRegExpReplaceState none_;  // an empty template
 };
 
 bool ReadPatternFile(const std::string& path, std::vector<std::string>& patterns, std::string& error) {
