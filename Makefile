@@ -51,7 +51,8 @@ test-windows:
 # fuzz runs every target at least that long.
 fuzz:
 	bash scripts/run-fuzzers.sh build/sanitize/bin $(FUZZ_SECONDS) \
-	  fuzz_regexp_compile=$(FUZZ_REGEXP_SECONDS) fuzz_regexp_find=$(FUZZ_REGEXP_SECONDS)
+	  fuzz_regexp_compile=$(FUZZ_REGEXP_SECONDS) fuzz_regexp_find=$(FUZZ_REGEXP_SECONDS) \
+	  fuzz_regexp_replace=$(FUZZ_REGEXP_SECONDS)
 
 bench: deps
 	cmake --preset native
