@@ -46,46 +46,8 @@ const FindCase kCases[] = {
     {"\\p{Greek}+", "", R"(\p{Greek}+)", false},
 };
 
-// English text with a token after about one word in forty.
-std::string MixedText(size_t bytes) {
-    static const char* const kUsers[] = {"anna", "j.smith", "keeper", "ops+alerts", "m_rossi", "li.wei"};
-    static const char* const kHosts[] = {"example.org", "mail.example.com", "lighthouse.net", "harbour-office.co.uk"};
-    static const char* const kPaths[] = {"", "/", "/log/2019/june", "/index.html?id=42&tab=ships", "/a/b-c/d.txt"};
-    static const char* const kGreek[] = {"Καλημέρα", "κόσμε", "Ελλάδα", "φιλοσοφία", "θάλασσα", "φάρος"};
-    std::mt19937 rng(7);
-    auto pick = [&rng](auto& list) { return list[rng() % (sizeof list / sizeof list[0])]; };
-    std::istringstream words(EnglishText(bytes));
-    std::string text, w;
-    text.reserve(bytes + 256);
-    while (text.size() < bytes && words >> w) {
-        text += w;
-        text += rng() % 12 == 0 ? '\n' : ' ';
-        if (rng() % 40) continue;
-        switch (rng() % 5) {
-        case 0: text += std::string(pick(kUsers)) + "@" + pick(kHosts); break;
-        case 1: text += std::string(rng() % 2 ? "https://" : "http://") + pick(kHosts) + pick(kPaths); break;
-        case 2:
-            text += std::to_string(rng() % 256) + "." + std::to_string(rng() % 256) + "." + std::to_string(rng() % 256) +
-                    "." + std::to_string(rng() % 256);
-            break;
-        case 3: {
-            char date[16];
-            std::snprintf(date, sizeof date, "%04u-%02u-%02u", 1900 + unsigned(rng() % 130), 1 + unsigned(rng() % 12),
-                          1 + unsigned(rng() % 28));
-            text += date;
-            break;
-        }
-        default:
-            text += pick(kGreek);
-            if (rng() % 2) text += std::string(" ") + pick(kGreek);
-        }
-        text += ' ';
-    }
-    return text;
-}
-
 const std::string& Text() {
-    static const std::string text = MixedText(4 << 20);
+    static const std::string text = MixedText(4 << 20);  // corpus.h
     return text;
 }
 

@@ -14,4 +14,9 @@ std::string EnglishText(size_t bytes);
 // and last bytes are as common as the text's letters.
 std::string AbsentNeedle(const std::string& text, size_t len, unsigned seed);
 
+// At least `bytes` bytes of that English text with a token (an e-mail
+// address, a URI, an IPv4 address, a date or a Greek phrase) after about one
+// word in forty, and a line feed after about one word in twelve.
+std::string MixedText(size_t bytes);
+
 }  // namespace vkpbench
