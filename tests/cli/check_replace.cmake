@@ -4,18 +4,12 @@ cmake_minimum_required(VERSION 3.25)
 # the messages for a bad pattern or template.
 include(${CMAKE_CURRENT_LIST_DIR}/run_vkpch.cmake)
 
-function(expect what got expected)
-  if(NOT got STREQUAL expected)
-    message(FATAL_ERROR "replace ${what} printed:\n${got}\nexpected:\n${expected}")
-  endif()
-endfunction()
-
 file(READ ${SAMPLE} text)
 
 # Every word ending in "ed" or "ing", its stem in brackets.
 string(REGEX REPLACE "([a-z]+)(ed|ing)" "[\\1]\\2" bracketed "${text}")
 vkpch(0 out replace -g "([a-z]+)(ed|ing)" "[$1]$2" ${SAMPLE})
-expect("-g stems" "${out}" "${bracketed}")
+expect_output("replace -g stems" "${out}" "${bracketed}")
 # The first "the" of each line only, ignoring case, through standard input.
 string(REGEX REPLACE "\n$" "" body "${text}")
 string(REPLACE "\n" ";" lines "${body}")
@@ -34,31 +28,31 @@ foreach(line IN LISTS lines)
 endforeach()
 set(STDIN INPUT_FILE ${SAMPLE})
 vkpch(0 out replace -i the "<$&>")
-expect("-i first match per line" "${out}" "${first}")
+expect_output("replace -i first match per line" "${out}" "${first}")
 set(STDIN "")
 
 # Groups swapped, a group that did not take part, the backslash that only
 # cuts the text, an empty line and a last line without a line feed.
 file(WRITE ${WORK_DIR}/dates.txt "due 2024-01-31, paid 2024-02-02\n\nnone\n7-8")
 vkpch(0 out replace -g "(\\d{4})?-?(\\d\\d?)-(\\d\\d?)" "$3.$2\\.$1" ${WORK_DIR}/dates.txt)
-expect("-g dates" "${out}" "due 31.01.2024, paid 02.02.2024\n\nnone\n8.7.\n")
+expect_output("replace -g dates" "${out}" "due 31.01.2024, paid 02.02.2024\n\nnone\n8.7.\n")
 vkpch(0 out replace -g "^" "> " ${WORK_DIR}/dates.txt)
-expect("-g ^ on every line" "${out}" "> due 2024-01-31, paid 2024-02-02\n> \n> none\n> 7-8\n")
+expect_output("replace -g ^ on every line" "${out}" "> due 2024-01-31, paid 2024-02-02\n> \n> none\n> 7-8\n")
 
 # Longer than the 64 KiB output buffer: the text before the match does not
 # fit, and the replaced line is written in several pieces.
 string(REPEAT "a" 70000 long)
 file(WRITE ${WORK_DIR}/long.txt "${long}b\n")
 vkpch(0 out replace b "<$&>" ${WORK_DIR}/long.txt)
-expect("long prefix" "${out}" "${long}<b>\n")
+expect_output("replace long prefix" "${out}" "${long}<b>\n")
 string(REPEAT "ab " 30000 many)
 file(WRITE ${WORK_DIR}/many.txt "${many}\n")
 vkpch(0 out replace -g "a(b) " "a[$1]a " ${WORK_DIR}/many.txt)
 string(REPEAT "a[b]a " 30000 want)
-expect("30000 matches in one line" "${out}" "${want}\n")
+expect_output("replace 30000 matches in one line" "${out}" "${want}\n")
 
 vkpch(1 out replace xyz "q" ${SAMPLE})
-expect("without a match" "${out}" "${text}")
+expect_output("replace without a match" "${out}" "${text}")
 vkpch(2 out replace "a(b" "x" ${SAMPLE})
 if(NOT out MATCHES "pattern error -186 at offset 3\n  a\\(b\n     \\^\n$")
   message(FATAL_ERROR "bad pattern message:\n${out}")

@@ -11,3 +11,10 @@ function(vkpch expected_rc out_var)
   endif()
   set(${out_var} "${out}${err}" PARENT_SCOPE)
 endfunction()
+
+# expect_output(WHAT GOT EXPECTED): fails the test when the output differs.
+function(expect_output what got expected)
+  if(NOT got STREQUAL expected)
+    message(FATAL_ERROR "${what} printed:\n${got}\nexpected:\n${expected}")
+  endif()
+endfunction()

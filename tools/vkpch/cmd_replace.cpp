@@ -6,10 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "commands.h"
-#include "input.h"
+#include "command_line.h"
 #include "text_error.h"
 #include "vkpch.hpp"
 
@@ -20,19 +19,12 @@ constexpr const char* kUsage = "usage: vkpch replace [-i] [-m] [-s] [-x] [-g] PA
 }  // namespace
 
 int CmdReplace(const Args& args) {
-    std::string options;
-    size_t i = 0;
-    for (; i < args.size() && args[i].size() > 1 && args[i][0] == '-'; ++i) {
-        if (args[i] == "--") {
-            ++i;
-            break;
-        }
-        for (size_t k = 1; k < args[i].size(); ++k) {
-            const char f = args[i][k];
-            if (f == 'i' || f == 'm' || f == 's' || f == 'x' || f == 'g') options += f;
-            else return Fail("replace: unknown option '-" + std::string(1, f) + "' (" + kUsage + ")");
-        }
-    }
+    std::string options, error;
+    const long first = ParseOptions(
+        args, [](char c) { return std::string_view("imsxg").find(c) != std::string_view::npos ? 0 : -1; },
+        [&options](char c, const std::string&) { options += c; }, &error);
+    if (first < 0) return Fail("replace: " + error + " (" + kUsage + ")");
+    const size_t i = size_t(first);
     if (i + 2 > args.size()) return Fail(std::string("replace: missing PATTERN or TEMPLATE (") + kUsage + ")");
     const std::string pattern = args[i], text = args[i + 1];
     Args files(args.begin() + long(i) + 2, args.end());
@@ -51,31 +43,23 @@ int CmdReplace(const Args& args) {
 
     bool replaced = false, failed = false;
     auto write = [](const char* p, size_t n) { std::fwrite(p, 1, n, stdout); };
-    std::vector<unsigned char> data;
-    for (const std::string& file : files) {
-        std::string error;
-        if (!ReadInput(file, data, error)) return Fail(error);
-        if (!data.empty() && data.back() != '\n') data.push_back('\n');  // also the byte behind the last subject
-        const std::string name = file == "-" ? "(standard input)" : file;
-        int64_t lineNo = 0;
-        for (size_t start = 0; start < data.size();) {
-            size_t end = start;
-            while (data[end] != '\n') ++end;
-            ++lineNo;
-            if (end - start > size_t(INT32_MAX)) return Fail("replace: " + name + ": line longer than 2 GiB");
-            const std::string_view line(reinterpret_cast<const char*>(data.data()) + start, end - start);
-            const vkpStatus st = re.replaceTo(line, tmpl, write);
+    const bool read = ForEachLine(
+        files,
+        [&](size_t, const std::string& name, int64_t lineNo, std::string_view line) {
+            vkpStatus st = VKP_ERR_LENGTH;
+            if (line.size() <= size_t(INT32_MAX)) st = re.replaceTo(line, tmpl, write);
             if (st < 0) {
-                std::fprintf(stderr, "vkpch: replace: %s:%lld: the match budget ran out before a match was found\n",
-                             name.c_str(), static_cast<long long>(lineNo));
+                std::fprintf(stderr, "vkpch: replace: %s:%lld: %s\n", name.c_str(), static_cast<long long>(lineNo),
+                             st == VKP_ERR_LENGTH ? "line longer than 2 GiB"
+                                                  : "the match budget ran out before a match was found");
                 std::fwrite(line.data(), 1, line.size(), stdout);  // the line as it is
                 failed = true;
             }
             replaced |= st == 1;
             std::putchar('\n');
-            start = end + 1;
-        }
-    }
+        },
+        &error);
+    if (!read) return Fail(error);
     if (failed) return 2;
     return replaced ? 0 : 1;
 }

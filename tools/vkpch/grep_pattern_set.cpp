@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
-#include "input.h"
+#include "command_line.h"
 #include "text_error.h"
 #include "vkpch.hpp"
 
@@ -23,7 +22,10 @@ struct Settings {
     std::string options;
     bool onlyMatches = false, count = false, lineNumbers = false;
     std::vector<std::string> patterns;
+    bool unreadable = false;  // a -f file could not be read
 };
+
+std::string Name(const std::string& file) { return file == "-" ? "(standard input)" : file; }
 
 struct Hit {
     int offset, length, pattern;
@@ -56,23 +58,15 @@ public:
 
     bool failed = false;
 
-    int64_t Run(const std::vector<unsigned char>& data, const std::string& prefix, const std::string& name) {
-        int64_t matching = 0, lineNo = 0;
-        for (size_t start = 0; start < data.size();) {
-            size_t end = start;
-            while (data[end] != '\n') ++end;
-            ++lineNo;
-            if (end - start > size_t(INT32_MAX)) {
-                std::fprintf(stderr, "vkpch: grep: %s:%lld: line longer than 2 GiB, skipped\n", name.c_str(),
-                             static_cast<long long>(lineNo));
-                failed = true;
-            } else if (Line(data.data() + start, int(end - start), prefix, lineNo, name)) {
-                ++matching;
-            }
-            start = end + 1;
+    // Searches one line; true when a pattern matched it.
+    bool Line(const std::string& prefix, const std::string& name, int64_t lineNo, std::string_view text) {
+        if (text.size() > size_t(INT32_MAX)) {
+            std::fprintf(stderr, "vkpch: grep: %s:%lld: line longer than 2 GiB, skipped\n", name.c_str(),
+                         static_cast<long long>(lineNo));
+            failed = true;
+            return false;
         }
-        if (s_.count) std::printf("%s%lld\n", prefix.c_str(), static_cast<long long>(matching));
-        return matching;
+        return SearchLine(reinterpret_cast<const unsigned char*>(text.data()), int(text.size()), prefix, lineNo, name);
     }
 
 private:
@@ -120,7 +114,8 @@ private:
         if (s_.lineNumbers) std::printf("%lld:", static_cast<long long>(lineNo));
     }
 
-    bool Line(const unsigned char* line, int len, const std::string& prefix, int64_t lineNo, const std::string& name) {
+    bool SearchLine(const unsigned char* line, int len, const std::string& prefix, int64_t lineNo,
+                    const std::string& name) {
         Search(line, len, lineNo, name);
         if (std::find(matched_.begin(), matched_.end(), true) == matched_.end()) return false;
         if (s_.count) return true;
@@ -153,19 +148,9 @@ private:
 };
 
 bool ReadPatternFile(const std::string& path, std::vector<std::string>& patterns, std::string& error) {
-    std::vector<unsigned char> data;
-    if (!ReadInput(path, data, error)) return false;
-    std::string line;
-    for (unsigned char c : data) {
-        if (c != '\n') {
-            line += char(c);
-            continue;
-        }
-        patterns.push_back(line);
-        line.clear();
-    }
-    if (!line.empty()) patterns.push_back(line);
-    return true;
+    return ForEachLine(
+        Args{path}, [&patterns](size_t, const std::string&, int64_t, std::string_view line) { patterns.emplace_back(line); },
+        &error);
 }
 
 }  // namespace
@@ -180,47 +165,44 @@ bool GrepUsesPatternList(const Args& args) {
 
 int CmdGrepPatternSet(const Args& args) {
     Settings s;
-    size_t i = 0;
-    for (; i < args.size() && args[i].size() > 1 && args[i][0] == '-'; ++i) {
-        if (args[i] == "--") {
-            ++i;
-            break;
-        }
-        for (size_t k = 1; k < args[i].size(); ++k) {
-            const char f = args[i][k];
-            if (f == 'e' || f == 'f') {
-                // The value is the rest of this argument or the next one.
-                std::string value = args[i].substr(k + 1);
-                if (value.empty()) {
-                    if (++i >= args.size()) return Fail(std::string("grep: -") + f + " needs a value (" + kUsage + ")");
-                    value = args[i];
-                }
-                std::string error;
-                if (f == 'e') s.patterns.push_back(value);
-                else if (!ReadPatternFile(value, s.patterns, error)) return Fail(error);
-                break;
-            }
-            if (f == 'i' || f == 'm' || f == 's' || f == 'x') s.options += f;
-            else if (f == 'o') s.onlyMatches = true;
-            else if (f == 'c') s.count = true;
-            else if (f == 'n') s.lineNumbers = true;
-            else return Fail("grep: unknown option '-" + std::string(1, f) + "' (" + kUsage + ")");
-        }
-    }
+    std::string error;
+    const long first = ParseOptions(
+        args,
+        [](char c) {
+            if (c == 'e' || c == 'f') return 1;
+            return std::string_view("imsxocn").find(c) != std::string_view::npos ? 0 : -1;
+        },
+        [&](char c, const std::string& value) {
+            if (c == 'e') s.patterns.push_back(value);
+            else if (c == 'f' && !ReadPatternFile(value, s.patterns, error)) s.unreadable = true;
+            else if (c == 'o') s.onlyMatches = true;
+            else if (c == 'c') s.count = true;
+            else if (c == 'n') s.lineNumbers = true;
+            else if (c != 'f') s.options += c;
+        },
+        &error);
+    if (first < 0) return Fail("grep: " + error + " (" + kUsage + ")");
+    if (s.unreadable) return Fail(error);
     if (s.patterns.empty()) return Fail(std::string("grep: no patterns (") + kUsage + ")");
-    Args files(args.begin() + long(i), args.end());
+    Args files(args.begin() + first, args.end());
     if (files.empty()) files.push_back("-");
 
     SetGrep grep(s);
     if (!grep.Prepare()) return 2;
+    std::vector<int64_t> matching(files.size(), 0);
+    const bool read = ForEachLine(
+        files,
+        [&](size_t file, const std::string& name, int64_t lineNo, std::string_view line) {
+            const std::string prefix = files.size() > 1 ? name + ":" : "";
+            matching[file] += grep.Line(prefix, name, lineNo, line);
+        },
+        &error);
+    if (!read) return Fail(error);
     int64_t found = 0;
-    std::vector<unsigned char> data;
-    for (const std::string& file : files) {
-        std::string error;
-        if (!ReadInput(file, data, error)) return Fail(error);
-        if (!data.empty() && data.back() != '\n') data.push_back('\n');  // also the byte behind the last subject
-        const std::string name = file == "-" ? "(standard input)" : file;
-        found += grep.Run(data, files.size() > 1 ? name + ":" : "", name);
+    for (size_t k = 0; k < files.size(); ++k) {
+        if (s.count) std::printf("%s%lld\n", files.size() > 1 ? (Name(files[k]) + ":").c_str() : "",
+                                 static_cast<long long>(matching[k]));
+        found += matching[k];
     }
     if (grep.failed) return 2;
     return found > 0 ? 0 : 1;
