@@ -101,7 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int groups = state->groupCount;
     const int capacities[] = {groups * (2 * in.len + 2), 1, groups, 2};
     const int capacity = capacities[control >> 6];
-    std::vector<vkpRegExpFind> rec(size_t(capacity));
+    std::vector<vkpRegExpFind> rec(static_cast<size_t>(capacity));
     // Room for any result: at most 2 * len + 2 matches, each expanding to
     // items of at most the subject or the template text, plus the subject.
     const long long most =

@@ -18,11 +18,16 @@ struct Output {
     int written;  // bytes written so far
 };
 
-// Length of one item for a match whose records are recs[0..recCount).
-int ItemLength(const vkpRegExpReplaceItem& item, const RegExpFind* recs, int recCount) {
-    if (item.kind != VKP_REPLACE_GROUP) return item.value;
-    if (item.value >= recCount || !recs[item.value].pMatch || recs[item.value].matchLen < 0) return 0;
-    return recs[item.value].matchLen;
+// The text of one item for a match whose records are recs[0..recCount):
+// nothing for a group the search did not report or that did not take part.
+struct Piece {
+    const u8* text;
+    int length;
+};
+Piece ItemText(const vkpRegExpReplaceItem& item, const RegExpFind* recs, int recCount) {
+    if (item.kind != VKP_REPLACE_GROUP) return {item.pText, item.value};
+    if (item.value >= recCount || !recs[item.value].pMatch || recs[item.value].matchLen < 0) return {nullptr, 0};
+    return {recs[item.value].pMatch, recs[item.value].matchLen};
 }
 
 // Expands the template for one match behind what is written; false (nothing
@@ -31,11 +36,10 @@ bool Expand(Output* out, const vkpRegExpReplaceState* tmpl, const RegExpFind* re
     const int room = out->room - out->written;
     int w = 0;
     for (int i = 0; i < tmpl->itemCount; ++i) {
-        const vkpRegExpReplaceItem& item = tmpl->pItems[i];
-        const int n = ItemLength(item, recs, recCount);
-        if (w + n >= room) return false;
-        CopyForward(item.kind == VKP_REPLACE_GROUP ? recs[item.value].pMatch : item.pText, out->dst + out->written + w, n);
-        w += n;
+        const Piece piece = ItemText(tmpl->pItems[i], recs, recCount);
+        if (w + piece.length >= room) return false;
+        CopyForward(piece.text, out->dst + out->written + w, piece.length);
+        w += piece.length;
     }
     out->written += w;
     return true;
