@@ -44,10 +44,15 @@ public:
         for (int i = 0; i < state()->itemCount; ++i) {
             const vkpRegExpReplaceItem& it = state()->pItems[i];
             if (!d.empty()) d += ' ';
-            if (it.kind == VKP_REPLACE_GROUP) d += "$" + std::to_string(it.value);
-            else
-                d += "'" + std::string(reinterpret_cast<const char*>(it.pText), size_t(it.value)) + "'@" +
-                     std::to_string(it.pText - U(text_));
+            if (it.kind == VKP_REPLACE_GROUP) {
+                d += '$';
+                d += std::to_string(it.value);
+                continue;
+            }
+            d += '\'';
+            d.append(reinterpret_cast<const char*>(it.pText), size_t(it.value));
+            d += "'@";
+            d += std::to_string(it.pText - U(text_));
         }
         return d;
     }
