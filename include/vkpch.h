@@ -227,9 +227,11 @@ VKPCH_API vkpStatus vkpsRegExpReplaceInit(const vkp8u* pTemplate, vkpRegExpRepla
  * option g, every match the record array holds) replaced by the template
  * into pDst[0..*pDstLen). pMatches/pNumMatches are the search's record
  * array as for vkpsRegExpFind_8u; a global replace takes record 0 and every
- * group per match. A piece (text before or between matches, one template
- * item, the rest of the source) is written only when it fits strictly
- * within the room left. On return *pSrcLen is the source consumed and
+ * group per match. Without a match the smaller of the two lengths is copied.
+ * Otherwise a piece (text before or between matches, one template item, the
+ * rest of the source) is written only when it fits strictly within the room
+ * left; a reference to a group that did not take part (or that the array
+ * did not hold) writes nothing. On return *pSrcLen is the source consumed and
  * *pDstLen the bytes written, so a caller resumes at pSrc + *pSrcLen with a
  * fresh destination. Returns the search's status; on -188 or -189 nothing
  * is written and both lengths are unchanged. */
