@@ -210,9 +210,11 @@ TYPED_TEST(Edit, TrimsMatchReference) {
         for (int len : EditLengths()) {
             const int setLen = setSizes[size_t(RandomInt(rng, 0, int(setSizes.size()) - 1))];
             std::vector<T> set = RandomUnits<T>(rng, size_t(setLen), 6, sizeof(T) == 1 ? 'a' : 0xFF61);
+            // Runs of members at both ends (all of it sometimes) around text.
             std::vector<T> s = RandomUnits<T>(rng, size_t(len), 12, sizeof(T) == 1 ? 'a' : 0xFF61);
-            if (setLen && RandomInt(rng, 0, 3) == 0)  // all members: trimmed to nothing
-                for (T& u : s) u = set[size_t(RandomInt(rng, 0, setLen - 1))];
+            const int head = RandomInt(rng, 0, len), tail = RandomInt(rng, 0, len - head);
+            for (int i = 0; i < len && setLen; ++i)
+                if (i < head || i >= len - tail || RandomInt(rng, 0, 9) == 0) s[size_t(i)] = set[size_t(RandomInt(rng, 0, setLen - 1))];
             Src<T> src(s, pl), st(set, pl);
             for (int f = 0; f < 3; ++f) {
                 const auto want = RefTrim(s, set, ends[f][0], ends[f][1]);
