@@ -18,9 +18,12 @@ void MoveBytes(void* dst, const void* src, size_t n);
 // Fills n bytes with zero.
 void ZeroBytes(void* dst, size_t n);
 
-// Size in bytes of the largest data cache, 0 when unknown. Read afresh from
-// the processor's identification leaves on every call.
+// Size in bytes of the largest data cache, 0 when unknown, from the
+// processor's identification leaves (read once, on first use).
 size_t LargestCacheSize();
+// True when the processor reports fast string moves and stores (enhanced
+// rep movsb/stosb); from the same first read.
+bool HasFastStrings();
 
 // Typed wrappers: a null pointer gives -8, a count below 1 gives -6 and
 // copies nothing; otherwise len units are copied (moved, zeroed) and 0 comes

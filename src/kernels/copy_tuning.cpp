@@ -1,6 +1,7 @@
-// Largest cache size from the processor identification leaves.
+// What the copy kernels ask the processor: the largest cache size and
+// whether string moves and stores are fast.
 //
-// First the leaf-2 descriptor bytes (one vendor's encoding), matched against
+// The cache size: first the leaf-2 descriptor bytes (one vendor's encoding), matched against
 // a table of second- and third-level cache descriptors ordered from the
 // largest size down, so the largest cache present wins. Current processors
 // answer leaf 2 with "see leaf 4" (0xFF) or not at all; then the
@@ -76,9 +77,7 @@ size_t FromCacheLeaves(unsigned leaf) {
     return largest;
 }
 
-}  // namespace
-
-size_t LargestCacheSize() {
+size_t ReadLargestCacheSize() {
     unsigned maxLeaf, b, c, d;
     __cpuid(0, maxLeaf, b, c, d);
     if (VendorIs(b, c, d, "GenuineIntel")) {
@@ -93,5 +92,35 @@ size_t LargestCacheSize() {
     }
     return 0;
 }
+
+bool ReadFastStrings() {
+    unsigned maxLeaf, b, c, d;
+    __cpuid(0, maxLeaf, b, c, d);
+    if (maxLeaf < 7) return false;
+    __cpuid_count(7, 0, maxLeaf, b, c, d);
+    return (b >> 9) & 1;  // enhanced rep movsb / stosb
+}
+
+// The answers never change while the process runs, but an identification
+// instruction costs microseconds under a hypervisor (about 4 us each on the
+// development machine, seven per query), more than a 1 MiB copy takes. They
+// are read on first use and kept: bit 63 marks the word as filled, bit 62
+// holds the fast-strings flag, the rest the cache size. Racing first calls
+// store the same word.
+uint64_t g_copyTuning = 0;
+
+uint64_t Tuning() {
+    uint64_t t = __atomic_load_n(&g_copyTuning, __ATOMIC_RELAXED);
+    if (VKP_LIKELY(t)) return t;
+    t = (uint64_t(1) << 63) | (uint64_t(ReadFastStrings()) << 62) | ReadLargestCacheSize();
+    __atomic_store_n(&g_copyTuning, t, __ATOMIC_RELAXED);
+    return t;
+}
+
+}  // namespace
+
+size_t LargestCacheSize() { return size_t(Tuning() & ((uint64_t(1) << 62) - 1)); }
+
+bool HasFastStrings() { return (Tuning() >> 62) & 1; }
 
 }  // namespace vkp::kernels
