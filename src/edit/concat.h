@@ -26,7 +26,7 @@ Status Join(const T* const src[], const int srcLen[], int numSrc, T delim, T* ds
     for (int i = 0; i < numSrc; ++i) {
         if (!src[i]) return kErrNull;
         if (srcLen[i] < 0) return kErrLength;
-        if (kDelimited && i > 0) *dst++ = delim;
+        if (kDelimited && i > 0) __builtin_memcpy(dst++, &delim, sizeof(T));  // dst may be odd (16u)
         kernels::CopyFwd(src[i], dst, srcLen[i]);
         dst += srcLen[i];
     }

@@ -4,6 +4,7 @@
 // check that a call wrote nothing.
 #pragma once
 
+#include <cstring>
 #include <vector>
 
 #include "support/guarded_buffer.h"
@@ -18,22 +19,34 @@ public:
 
     GuardedDest(size_t n, GuardedBuffer::Guard guard, size_t slack = 0)
         : n_(n), after_(guard == GuardedBuffer::Guard::After), buf_((n + kCanary) * sizeof(T), guard, slack) {
-        T* all = buf_.as<T>();
-        for (size_t i = 0; i < n + kCanary; ++i) all[i] = kFill;
+        const std::vector<T> fill(n + kCanary, kFill);
+        buf_.fill(fill.data(), fill.size());
     }
 
+    // The units may sit at an odd address: tests touch them only through
+    // head() and put(), byte-wise.
     T* data() const { return buf_.as<T>() + (after_ ? kCanary : 0); }
-    std::vector<T> head(size_t k) const { return std::vector<T>(data(), data() + k); }
+    std::vector<T> head(size_t k) const { return Units(data(), k); }
+    void put(const std::vector<T>& v) const {
+        if (!v.empty()) std::memcpy(static_cast<void*>(data()), v.data(), v.size() * sizeof(T));
+    }
 
     // Canaries intact and units [k, n) unwritten.
     bool UnwrittenFrom(size_t k) const {
-        const T* all = buf_.as<T>();
-        const size_t canaryAt = after_ ? 0 : n_;
-        for (size_t i = 0; i < kCanary; ++i)
-            if (all[canaryAt + i] != kFill) return false;
-        for (size_t i = k; i < n_; ++i)
-            if (data()[i] != kFill) return false;
+        const std::vector<T> canary = Units(buf_.as<T>() + (after_ ? 0 : n_), kCanary);
+        const std::vector<T> rest = Units(data() + k, n_ - k);
+        for (T u : canary)
+            if (u != kFill) return false;
+        for (T u : rest)
+            if (u != kFill) return false;
         return true;
+    }
+
+    // k units from p, read byte-wise.
+    static std::vector<T> Units(const T* p, size_t k) {
+        std::vector<T> v(k);
+        if (k) std::memcpy(v.data(), static_cast<const void*>(p), k * sizeof(T));
+        return v;
     }
 
 private:

@@ -148,7 +148,7 @@ TYPED_TEST(Edit, InsertRemoveMatchReference) {
             // In place, and the copying Insert with pDst == pSrc.
             for (int form = 0; form < 2; ++form) {
                 GuardedDest<T> b(inserted.size(), pl.guard, pl.slack);
-                std::copy(s.begin(), s.end(), b.data());
+                b.put(s);
                 int n = len;
                 const int st = form == 0 ? Api::InsertI(in.p, il, b.data(), &n, at)
                                          : Api::Insert(b.data(), len, in.p, il, b.data(), at);
@@ -164,12 +164,14 @@ TYPED_TEST(Edit, InsertRemoveMatchReference) {
             ASSERT_EQ(r.head(removed.size()), removed);
             ASSERT_TRUE(r.UnwrittenFrom(removed.size()));
             GuardedDest<T> ri(s.size(), pl.guard, pl.slack);
-            std::copy(s.begin(), s.end(), ri.data());
+            ri.put(s);
             int n = len;
             ASSERT_EQ(Api::RemoveI(ri.data(), &n, at, cut), 0);
             ASSERT_EQ(n, int(removed.size()));
             ASSERT_EQ(ri.head(removed.size()), removed);
-            ASSERT_TRUE(std::equal(s.end() - cut, s.end(), ri.data() + removed.size())) << "tail left as it was";
+            std::vector<T> whole = s;  // the units behind the new length stay as they were
+            std::copy(removed.begin(), removed.end(), whole.begin());
+            ASSERT_EQ(ri.head(s.size()), whole);
         }
     }
 }
@@ -189,7 +191,7 @@ TYPED_TEST(Edit, ReplaceMatchesReference) {
             ASSERT_EQ(d.head(s.size()), want);
             ASSERT_TRUE(d.UnwrittenFrom(s.size()));
             ASSERT_EQ(EditApi<T>::ReplaceC(src.p, src.p, len, oldVal, newVal), 0);  // in place
-            ASSERT_TRUE(std::equal(want.begin(), want.end(), src.p));
+            ASSERT_EQ(GuardedDest<T>::Units(src.p, s.size()), want);
         }
     }
 }
