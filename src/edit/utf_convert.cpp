@@ -1,7 +1,8 @@
-// The converters: ASCII runs go 16 units a block; two- and three-byte
-// characters that are well formed take a short direct path; everything else
-// goes through the per-character rules. The output is identical to the rules
-// applied one character at a time.
+// The converters: blocks of ASCII and well-formed two- and three-byte
+// characters go through the vector block routines; everything else (and the
+// last units, where a whole block does not fit) through the per-character
+// rules. The output is identical to the rules applied one character at a
+// time.
 #include "edit/utf_convert.h"
 
 #include "edit/utf_rules.h"
@@ -27,26 +28,11 @@ void Utf8To16Run(const u8* s, u32 n, u16* d, u32 room, u32& consumed, u32& writt
     u32 i = 0, w = 0;
     while (i < n && w < room) {
         if (n - i >= 16 && room - w >= 16) {
-            const int ascii = kernels::WidenAscii<kSwap>(s + i, d + w);
-            i += ascii, w += ascii;
-            if (ascii == 16) continue;
-            // Well-formed two- and three-byte characters until the next ASCII byte.
-            while (n - i >= 3 && w < room) {
-                const u32 b0 = s[i], b1 = s[i + 1];
-                if ((b0 & 0xE0) == 0xC0 && b0 >= 0xC2 && (b1 & 0xC0) == 0x80) {
-                    PutUnit<kSwap>(d + w++, ((b0 & 0x1F) << 6) | (b1 & 0x3F));
-                    i += 2;
-                    continue;
-                }
-                const u32 b2 = s[i + 2];
-                if ((b0 & 0xF0) == 0xE0 && (b1 & 0xC0) == 0x80 && (b2 & 0xC0) == 0x80 && (b0 > 0xE0 || b1 >= 0xA0)) {
-                    PutUnit<kSwap>(d + w++, ((b0 & 0x0F) << 12) | ((b1 & 0x3F) << 6) | (b2 & 0x3F));
-                    i += 3;
-                    continue;
-                }
-                break;
+            int units;
+            if (const int used = kernels::DecodeUtf8Block<kSwap>(s + i, d + w, units)) {
+                i += u32(used), w += u32(units);
+                continue;
             }
-            if (i >= n || w >= room || s[i] < 0x80) continue;
         }
         const Decoded c = DecodeUtf8(s + i, n - i);
         if (c.length == 0) break;
@@ -68,26 +54,16 @@ template <bool kSwap>
 void Utf16To8Run(const u16* s, u32 n, u8* d, u32 room, u32& consumed, u32& written) {
     u32 i = 0, w = 0;
     while (i < n && w < room) {
-        if (n - i >= 16 && room - w >= 16) {
-            const int ascii = kernels::NarrowAscii<kSwap>(s + i, d + w);
-            i += ascii, w += ascii;
-            if (ascii == 16) continue;
-            // Two- and three-byte characters that are not surrogates.
-            while (i < n) {
-                const u32 u = GetUnit<kSwap>(s + i);
-                if (u < 0x80 || (u >= 0xD800 && u <= 0xDFFF)) break;
-                if (u < 0x800) {
-                    if (room - w < 2) break;
-                    d[w] = u8(0xC0 | (u >> 6)), d[w + 1] = u8(0x80 | (u & 0x3F));
-                    w += 2;
-                } else {
-                    if (room - w < 3) break;
-                    d[w] = u8(0xE0 | (u >> 12)), d[w + 1] = u8(0x80 | ((u >> 6) & 0x3F)), d[w + 2] = u8(0x80 | (u & 0x3F));
-                    w += 3;
-                }
-                ++i;
+        if (n - i >= 16 && room - w >= 16 && kernels::NarrowAscii16<kSwap>(s + i, d + w)) {
+            i += 16, w += 16;
+            continue;
+        }
+        if (n - i >= 8 && room - w >= 32) {
+            int bytes;
+            if (kernels::EncodeUtf8Block<kSwap>(s + i, d + w, bytes)) {
+                i += 8, w += u32(bytes);
+                continue;
             }
-            if (i >= n || w >= room) break;
         }
         u32 u = GetUnit<kSwap>(s + i), used = 1;
         if (u >= 0xD800 && u <= 0xDBFF && n - i >= 2) {

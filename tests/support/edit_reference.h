@@ -2,6 +2,7 @@
 // vectors, for the differential tests.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
