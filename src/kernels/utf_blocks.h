@@ -81,14 +81,15 @@ VKP_INLINE __m128i Shuffle(__m128i v, const ShuffleTable& t, unsigned idx) {
 
 VKP_INLINE void Store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 
-// Values at each byte position of one 8-byte half (widened to 16 bits):
-// ASCII byte, two-byte value or three-byte value, chosen by the lead masks.
+// Values at each byte position of one 8-byte half (widened to 16 bits): the
+// byte itself, or the value of the two- or three-byte character it leads.
+// A three-byte lead has bit 4 clear, so one payload mask serves both.
 VKP_INLINE __m128i Values(__m128i b, __m128i n1, __m128i n2, __m128i l2, __m128i l3) {
-    const __m128i c1 = _mm_and_si128(n1, _mm_set1_epi16(0x3F)), c2 = _mm_and_si128(n2, _mm_set1_epi16(0x3F));
-    const __m128i v2 = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(b, _mm_set1_epi16(0x1F)), 6), c1);
-    const __m128i v3 = _mm_or_si128(_mm_or_si128(_mm_slli_epi16(b, 12), _mm_slli_epi16(c1, 6)), c2);
-    __m128i v = _mm_or_si128(_mm_andnot_si128(l2, b), _mm_and_si128(l2, v2));
-    return _mm_or_si128(_mm_andnot_si128(l3, v), _mm_and_si128(l3, v3));
+    const __m128i low6 = _mm_set1_epi16(0x3F);
+    const __m128i t = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(b, _mm_set1_epi16(0x1F)), 6), _mm_and_si128(n1, low6));
+    const __m128i t3 = _mm_or_si128(_mm_slli_epi16(t, 6), _mm_and_si128(n2, low6));
+    const __m128i v = _mm_xor_si128(b, _mm_and_si128(_mm_xor_si128(b, t), l2));
+    return _mm_xor_si128(v, _mm_and_si128(_mm_xor_si128(v, t3), l3));
 }
 
 }  // namespace detail
