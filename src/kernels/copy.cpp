@@ -22,15 +22,6 @@ VKP_INLINE void St(char* p, V v) { _mm_storeu_si128(reinterpret_cast<V*>(p), v);
 VKP_INLINE void StA(char* p, V v) { _mm_store_si128(reinterpret_cast<V*>(p), v); }
 VKP_INLINE void StNT(char* p, V v) { _mm_stream_si128(reinterpret_cast<V*>(p), v); }
 
-template <class W>
-VKP_INLINE void Pair(char* d, const char* s, size_t n) {
-    W a, b;
-    __builtin_memcpy(&a, s, sizeof(W));
-    __builtin_memcpy(&b, s + n - sizeof(W), sizeof(W));
-    __builtin_memcpy(d, &a, sizeof(W));
-    __builtin_memcpy(d + n - sizeof(W), &b, sizeof(W));
-}
-
 // Loads K vectors from each end of the block (they may overlap in the
 // middle), then stores them: 2K * 16 >= n >= K * 16.
 template <int K>
@@ -52,14 +43,8 @@ VKP_INLINE void Small(char* d, const char* s, size_t n) {
     } else if (n >= 16) {
         V a = Ld(s), b = Ld(s + n - 16);
         St(d, a), St(d + n - 16, b);
-    } else if (n >= 8) {
-        Pair<uint64_t>(d, s, n);
-    } else if (n >= 4) {
-        Pair<uint32_t>(d, s, n);
-    } else if (n >= 2) {
-        Pair<uint16_t>(d, s, n);
-    } else if (n == 1) {
-        *d = *s;
+    } else if (n >= 1) {
+        detail::CopyUpTo16(d, s, n);
     }
 }
 

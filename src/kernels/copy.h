@@ -28,11 +28,37 @@ bool HasFastStrings();
 // Typed wrappers: a null pointer gives -8, a count below 1 gives -6 and
 // copies nothing; otherwise len units are copied (moved, zeroed) and 0 comes
 // back. Callers that have checked their arguments may ignore the result.
+namespace detail {
+
+template <class W>
+VKP_INLINE void CopyEnds(char* d, const char* s, size_t n) {
+    W a, b;
+    __builtin_memcpy(&a, s, sizeof(W));
+    __builtin_memcpy(&b, s + n - sizeof(W), sizeof(W));
+    __builtin_memcpy(d, &a, sizeof(W));
+    __builtin_memcpy(d + n - sizeof(W), &b, sizeof(W));
+}
+
+// 1 to 16 bytes with two overlapping moves, inline: the short pieces of
+// splits and joins should not pay for a call.
+VKP_INLINE void CopyUpTo16(void* dst, const void* src, size_t n) {
+    char* d = static_cast<char*>(dst);
+    const char* s = static_cast<const char*>(src);
+    if (n >= 8) CopyEnds<uint64_t>(d, s, n);
+    else if (n >= 4) CopyEnds<uint32_t>(d, s, n);
+    else if (n >= 2) CopyEnds<uint16_t>(d, s, n);
+    else *d = *s;
+}
+
+}  // namespace detail
+
 template <class T>
 VKP_INLINE Status CopyFwd(const T* src, T* dst, int len) {
     if (!src || !dst) return kErrNull;
     if (len < 1) return kErrSize;
-    CopyBytes(dst, src, size_t(len) * sizeof(T));
+    const size_t bytes = size_t(len) * sizeof(T);
+    if (bytes <= 16) detail::CopyUpTo16(dst, src, bytes);
+    else CopyBytes(dst, src, bytes);
     return kOk;
 }
 
