@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/guarded_buffer.h"
+#include "support/placements.h"
 
 namespace vkptest {
 
@@ -54,19 +55,5 @@ private:
     bool after_;
     GuardedBuffer buf_;
 };
-
-// Where a test string sits: flush against a guard page after or before it,
-// and (16u) at an odd address.
-struct Placement {
-    GuardedBuffer::Guard guard;
-    size_t slack;
-};
-
-template <class T>
-std::vector<Placement> EditPlacements() {
-    std::vector<Placement> p = {{GuardedBuffer::Guard::After, 0}, {GuardedBuffer::Guard::Before, 0}};
-    if (sizeof(T) == 2) p.push_back({GuardedBuffer::Guard::After, 1});
-    return p;
-}
 
 }  // namespace vkptest

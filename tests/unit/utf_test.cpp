@@ -18,13 +18,6 @@ namespace {
 
 using Guard = GuardedBuffer::Guard;
 
-std::vector<size_t> UtfLengths() {
-    std::vector<size_t> lens;
-    for (size_t n = 0; n <= 300; ++n) lens.push_back(n);
-    for (size_t n : {1000, 4096 + 3, 70000}) lens.push_back(n);
-    return lens;
-}
-
 // Capacities: enough for everything, exactly the output, and a random cut.
 std::vector<size_t> Rooms(Rng& rng, size_t full, size_t exact) {
     return {full, exact, size_t(RandomInt(rng, 0, int(exact)))};
@@ -32,7 +25,8 @@ std::vector<size_t> Rooms(Rng& rng, size_t full, size_t exact) {
 
 TEST(Utf, Utf8To16MatchesRules) {
     Rng rng(301);
-    for (size_t n : UtfLengths()) {
+    for (const int len : EditLengths()) {
+        const size_t n = size_t(len);
         const std::vector<uint8_t> s = RandomUtf8(rng, n, n % 3 == 0);
         for (Guard g : {Guard::After, Guard::Before}) {
             GuardedBuffer src(n, g);
@@ -56,9 +50,10 @@ TEST(Utf, Utf8To16MatchesRules) {
 
 TEST(Utf, Utf16To8MatchesRules) {
     Rng rng(302);
-    for (size_t n : UtfLengths()) {
+    for (const int len : EditLengths()) {
+        const size_t n = size_t(len);
         const std::vector<uint16_t> s = RandomUtf16(rng, n);
-        for (Placement pl : EditPlacements<vkp16u>()) {
+        for (Placement pl : Placements<vkp16u>()) {
             GuardedBuffer src(n * 2, pl.guard, pl.slack);
             src.fill(s.data(), n);
             for (int be = 0; be < 2; ++be) {
@@ -100,55 +95,54 @@ TEST(Utf, RoundTripIsIdentity) {
 
 // The rules' worked examples and the stopping cases, as (input, room,
 // expected output, expected consumed).
+// A worked example: input, room, expected output and units consumed.
+template <class In, class Out>
+struct Case {
+    std::vector<In> in;
+    int room;
+    std::vector<Out> out;
+    int consumed;
+};
+
+template <class In, class Out, class Fn>
+void CheckCases(const std::vector<Case<In, Out>>& cases, Fn convert) {
+    for (const auto& c : cases) {
+        std::vector<Out> out(size_t(c.room) + 1, Out(0xEEEE));
+        int sl = int(c.in.size()), dl = c.room;
+        ASSERT_EQ(convert(c.in.data(), &sl, out.data(), &dl, 0), 0);
+        EXPECT_EQ(sl, c.consumed) << int(c.in[0]);
+        EXPECT_EQ(std::vector<Out>(out.begin(), out.begin() + dl), c.out) << int(c.in[0]);
+    }
+}
+
+// The rules' worked examples and the stopping cases.
 TEST(Utf, DocumentedCases) {
-    struct Case8 {
-        std::vector<vkp8u> in;
-        int room;
-        std::vector<vkp16u> out;
-        int consumed;
-    };
-    const Case8 cases8[] = {
-        {{0xC0, 0x80}, 8, {0xC0, 0x80}, 2},
-        {{0xE2, 0x28, 0xA1}, 8, {0xE2, 0x28, 0xA1}, 3},
-        {{0xED, 0xA0, 0x80}, 8, {0xD800}, 3},
-        {{0xFE, 0xFF, 0x41}, 8, {0xFE, 0xFF, 0x41}, 3},
-        {{0xF0, 0x9F, 0x98, 0x80}, 8, {0xD83D, 0xDE00}, 4},
-        {{0xF0, 0x9F, 0x98, 0x80}, 1, {}, 0},                                       // pair does not fit
-        {{0x41, 0xE2, 0x82}, 8, {0x41}, 1},                                         // cut off by the end
-        {{0x41, 0xE2, 0x41}, 8, {0x41, 0xE2, 0x41}, 3},                             // not cut: ill-formed
-        {{0xF8, 0x88, 0x80, 0x80, 0x80}, 8, {0xD800 | 0x3C0, 0xDC00}, 5},           // 5 bytes, 0x200000 folded
-        {{0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}, 8, {0xD800 | 0x3C0, 0xDC00}, 6},     // 6 bytes, 0x4000000
-        {{0xF4, 0x90, 0x80, 0x80}, 8, {0xD800, 0xDC00}, 4},                         // 0x110000 folded
-        {{0x41, 0x42}, 0, {}, 0},
-    };
-    for (const Case8& c : cases8) {
-        std::vector<vkp16u> out(size_t(c.room) + 1, 0xEEEE);
-        int sl = int(c.in.size()), dl = c.room;
-        ASSERT_EQ(vkpsConvertUTF_8u16u(c.in.data(), &sl, out.data(), &dl, 0), 0);
-        EXPECT_EQ(sl, c.consumed);
-        EXPECT_EQ(std::vector<vkp16u>(out.begin(), out.begin() + dl), c.out) << int(c.in[0]);
-    }
-    struct Case16 {
-        std::vector<vkp16u> in;
-        int room;
-        std::vector<vkp8u> out;
-        int consumed;
-    };
-    const Case16 cases16[] = {
-        {{0xD800, 0x0041}, 8, {0xED, 0xA0, 0x80, 0x41}, 2},
-        {{0xDC00}, 8, {0xED, 0xB0, 0x80}, 1},
-        {{0xD83D, 0xDE00}, 8, {0xF0, 0x9F, 0x98, 0x80}, 2},
-        {{0xD83D}, 8, {0xED, 0xA0, 0xBD}, 1},
-        {{0x20AC}, 2, {}, 0},
-        {{0x41, 0x20AC}, 3, {0x41}, 1},
-    };
-    for (const Case16& c : cases16) {
-        std::vector<vkp8u> out(size_t(c.room) + 1, 0xEE);
-        int sl = int(c.in.size()), dl = c.room;
-        ASSERT_EQ(vkpsConvertUTF_16u8u(c.in.data(), &sl, out.data(), &dl, 0), 0);
-        EXPECT_EQ(sl, c.consumed);
-        EXPECT_EQ(std::vector<vkp8u>(out.begin(), out.begin() + dl), c.out);
-    }
+    CheckCases<vkp8u, vkp16u>(
+        {
+            {{0xC0, 0x80}, 8, {0xC0, 0x80}, 2},
+            {{0xE2, 0x28, 0xA1}, 8, {0xE2, 0x28, 0xA1}, 3},
+            {{0xED, 0xA0, 0x80}, 8, {0xD800}, 3},
+            {{0xFE, 0xFF, 0x41}, 8, {0xFE, 0xFF, 0x41}, 3},
+            {{0xF0, 0x9F, 0x98, 0x80}, 8, {0xD83D, 0xDE00}, 4},
+            {{0xF0, 0x9F, 0x98, 0x80}, 1, {}, 0},                                    // pair does not fit
+            {{0x41, 0xE2, 0x82}, 8, {0x41}, 1},                                      // cut off by the end
+            {{0x41, 0xE2, 0x41}, 8, {0x41, 0xE2, 0x41}, 3},                          // not cut: ill-formed
+            {{0xF8, 0x88, 0x80, 0x80, 0x80}, 8, {0xD800 | 0x3C0, 0xDC00}, 5},        // 5 bytes, 0x200000 folded
+            {{0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}, 8, {0xD800 | 0x3C0, 0xDC00}, 6},  // 6 bytes, 0x4000000
+            {{0xF4, 0x90, 0x80, 0x80}, 8, {0xD800, 0xDC00}, 4},                      // 0x110000 folded
+            {{0x41, 0x42}, 0, {}, 0},
+        },
+        vkpsConvertUTF_8u16u);
+    CheckCases<vkp16u, vkp8u>(
+        {
+            {{0xD800, 0x0041}, 8, {0xED, 0xA0, 0x80, 0x41}, 2},
+            {{0xDC00}, 8, {0xED, 0xB0, 0x80}, 1},
+            {{0xD83D, 0xDE00}, 8, {0xF0, 0x9F, 0x98, 0x80}, 2},
+            {{0xD83D}, 8, {0xED, 0xA0, 0xBD}, 1},
+            {{0x20AC}, 2, {}, 0},
+            {{0x41, 0x20AC}, 3, {0x41}, 1},
+        },
+        vkpsConvertUTF_16u8u);
     // Big-endian: 'A' is 00 41 in memory; a swapped pair is read swapped.
     vkp8u a = 0x41, bytes[2];
     int sl = 1, dl = 1;
