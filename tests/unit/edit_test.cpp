@@ -230,8 +230,8 @@ TYPED_TEST(Edit, TrimsMatchReference) {
             ASSERT_EQ(d.head(want.size()), want);
             ASSERT_TRUE(d.UnwrittenFrom(want.size()));
             for (int inPlace = 0; inPlace < 2; ++inPlace) {
-                std::vector<T> b(s.size() + 1);  // never empty: a valid pointer for len 0
-                std::copy(s.begin(), s.end(), b.begin());
+                std::vector<T> b = s;
+                b.push_back(T(0));  // never empty: a valid pointer for len 0
                 n = len;
                 ASSERT_EQ(inPlace ? Api::TrimCI(b.data(), &n, unit) : Api::TrimC(b.data(), len, unit, b.data(), &n), 0);
                 ASSERT_EQ(n, int(want.size()));
