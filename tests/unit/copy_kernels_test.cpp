@@ -47,21 +47,21 @@ TEST(CopyKernels, CopyAndZeroAtEveryAlignment) {
 }
 
 // A block moved within a buffer by every distance up (source below the
-// destination) and down, against a copy made through a separate buffer.
+// destination) and down, from two source alignments, against a copy made
+// through a separate buffer.
 TEST(CopyKernels, MoveAtEveryOverlap) {
     Rng rng(202);
     for (size_t n : {size_t(1), size_t(15), size_t(16), size_t(63), size_t(64), size_t(65), size_t(127), size_t(200),
-                     size_t(300), size_t(1000), size_t(4099)}) {
-        const size_t span = 2 * n + 40;
+                     size_t(256), size_t(257), size_t(300), size_t(1000), size_t(4099)}) {
+        const size_t span = 3 * n + 64;
         const std::vector<vkp8u> init = RandomUnits<vkp8u>(rng, span, 256, 0);
-        for (size_t from = 0; from <= span - n; from += (n > 300 ? 7 : 1)) {
-            for (size_t to : {size_t(0), from > 0 ? from - 1 : 0, from, from + 1 <= span - n ? from + 1 : from,
-                              span - n, size_t(RandomInt(rng, 0, int(span - n)))}) {
+        for (size_t from : {n + 32, n + 39}) {
+            for (long dist = -long(n) - 24; dist <= long(n) + 24; ++dist) {
+                const size_t to = size_t(long(from) + dist);
                 std::vector<vkp8u> buf = init, want = init;
-                std::vector<vkp8u> block(init.begin() + from, init.begin() + from + n);
-                std::copy(block.begin(), block.end(), want.begin() + to);
+                std::copy(init.begin() + long(from), init.begin() + long(from + n), want.begin() + long(to));
                 MoveBytes(buf.data() + to, buf.data() + from, n);
-                ASSERT_EQ(buf, want) << "n " << n << " from " << from << " to " << to;
+                ASSERT_EQ(buf, want) << "n " << n << " from " << from << " distance " << dist;
             }
         }
     }
