@@ -1,10 +1,10 @@
 // The editing and conversion exports.
 #include "edit/concat.h"
 #include "edit/insert_remove.h"
+#include "edit/replace.h"
 #include "edit/trim.h"
 #include "edit/utf_convert.h"
 #include "frame/entries.h"
-#include "kernels/replace_unit.h"
 
 namespace vkp::entry {
 
@@ -26,15 +26,8 @@ Status vkpsRemove_16u(const u16* s, int sl, u16* d, int at, int len) { return ed
 Status vkpsRemove_8u_I(u8* sd, int* pl, int at, int len) { return edit::RemoveInPlace(sd, pl, at, len); }
 Status vkpsRemove_16u_I(u16* sd, int* pl, int at, int len) { return edit::RemoveInPlace(sd, pl, at, len); }
 
-template <class T>
-static Status ReplaceC(const T* s, T* d, int len, T oldVal, T newVal) {
-    if (!s || !d) return kErrNull;
-    if (len < 0) return kErrLength;
-    kernels::ReplaceUnits(s, d, len, oldVal, newVal);
-    return kOk;
-}
-Status vkpsReplaceC_8u(const u8* s, u8* d, int len, u8 o, u8 n) { return ReplaceC(s, d, len, o, n); }
-Status vkpsReplaceC_16u(const u16* s, u16* d, int len, u16 o, u16 n) { return ReplaceC(s, d, len, o, n); }
+Status vkpsReplaceC_8u(const u8* s, u8* d, int len, u8 o, u8 n) { return edit::ReplaceC(s, d, len, o, n); }
+Status vkpsReplaceC_16u(const u16* s, u16* d, int len, u16 o, u16 n) { return edit::ReplaceC(s, d, len, o, n); }
 
 Status vkpsTrimC_8u(const u8* s, int sl, u8 c, u8* d, int* pdl) { return edit::TrimUnit<u8, true>(s, sl, c, d, pdl); }
 Status vkpsTrimC_16u(const u16* s, int sl, u16 c, u16* d, int* pdl) { return edit::TrimUnit<u16, false>(s, sl, c, d, pdl); }
