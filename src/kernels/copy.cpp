@@ -134,6 +134,8 @@ void MoveBytes(void* dst, const void* src, size_t n) {
     const char* s = static_cast<const char*>(src);
     if (d == s) return;
     if (n <= 256) return Small(d, s, n);
+    // Regions that do not overlap take the copy, with its string moves.
+    if (size_t(d > s ? d - s : s - d) >= n) return CopyBytes(d, s, n);
     if (s > d) return Forward<false>(d, s, n);
     Backward(d, s, n);
 }
