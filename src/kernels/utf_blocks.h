@@ -8,9 +8,10 @@
 // for the next block. Any other block (four-byte forms, ill-formed bytes) is
 // refused and the caller converts it character by character.
 //
-// UTF-16 to UTF-8: four units per 32-bit lane group are encoded into their
-// one-, two- or three-byte forms side by side and packed by a table shuffle;
-// blocks with a surrogate are refused.
+// UTF-16 to UTF-8: eight units below 0x800 are encoded in their 16-bit lanes
+// and packed by one table shuffle; otherwise four units per 32-bit lane
+// group are encoded into their one-, two- or three-byte forms side by side
+// and packed the same way. Blocks with a surrogate are refused.
 //
 // Each routine writes whole vectors: the caller guarantees 16 source bytes
 // (8u) or units (16u) and 16 units (8u -> 16u) or 32 bytes (16u -> 8u) of room;
@@ -60,7 +61,24 @@ constexpr ShuffleTable MakePackSequences() {
     return t;
 }
 
+// Eight 16-bit lanes: keep the low byte of each and the high byte of those
+// whose bit is set, packed to the front.
+constexpr ShuffleTable MakePackPairs() {
+    ShuffleTable t{};
+    for (int m = 0; m < 256; ++m) {
+        int k = 0;
+        for (int j = 0; j < 8; ++j) {
+            t.shuffle[m][k++] = u8(2 * j);
+            if ((m >> j) & 1) t.shuffle[m][k++] = u8(2 * j + 1);
+        }
+        for (int b = k; b < 16; ++b) t.shuffle[m][b] = 0x80;
+        t.count[m] = u8(k);
+    }
+    return t;
+}
+
 inline constexpr ShuffleTable kKeepUnits = MakeKeepUnits();
+inline constexpr ShuffleTable kPackPairs = MakePackPairs();
 inline constexpr ShuffleTable kPackSequences = MakePackSequences();
 
 VKP_INLINE __m128i Set8(int v) { return _mm_set1_epi8(char(v)); }
@@ -159,6 +177,17 @@ VKP_INLINE int EncodeUtf8Block(const u16* s, u8* d, int& bytes) {
     const __m128i sur = _mm_cmpeq_epi16(_mm_and_si128(v, _mm_set1_epi16(short(0xF800))), _mm_set1_epi16(short(0xD800)));
     if (Mask8(sur)) return 0;
 
+    if (Mask8(_mm_cmpeq_epi16(_mm_and_si128(v, _mm_set1_epi16(short(0xF800))), _mm_setzero_si128())) == 0xFFFF) {
+        // One- and two-byte forms only: each 16-bit lane holds its sequence.
+        const __m128i is2 = _mm_cmpgt_epi16(v, _mm_set1_epi16(0x7F));
+        const __m128i two = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(v, 6), _mm_set1_epi16(short(0x80C0))),
+                                         _mm_slli_epi16(_mm_and_si128(v, _mm_set1_epi16(0x3F)), 8));
+        const __m128i r = _mm_or_si128(_mm_andnot_si128(is2, v), _mm_and_si128(is2, two));
+        const unsigned idx = Mask8(_mm_packs_epi16(is2, is2)) & 0xFF;
+        Store(d, Shuffle(r, kPackPairs, idx));
+        bytes = kPackPairs.count[idx];
+        return 8;
+    }
     int at = 0;
     for (int half = 0; half < 2; ++half) {
         const __m128i x = half ? _mm_unpackhi_epi16(v, _mm_setzero_si128()) : _mm_unpacklo_epi16(v, _mm_setzero_si128());
