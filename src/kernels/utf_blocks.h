@@ -110,6 +110,13 @@ VKP_INLINE __m128i Values(__m128i b, __m128i n1, __m128i n2, __m128i l2, __m128i
     return _mm_xor_si128(v, _mm_and_si128(_mm_xor_si128(v, t3), l3));
 }
 
+// The same for blocks without three-byte characters.
+VKP_INLINE __m128i Values2(__m128i b, __m128i n1, __m128i l2) {
+    const __m128i t = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(b, _mm_set1_epi16(0x1F)), 6),
+                                   _mm_and_si128(n1, _mm_set1_epi16(0x3F)));
+    return _mm_xor_si128(b, _mm_and_si128(_mm_xor_si128(b, t), l2));
+}
+
 }  // namespace detail
 
 // Decodes the block at s into d; returns the bytes consumed (0: refused)
@@ -144,11 +151,17 @@ VKP_INLINE int DecodeUtf8Block(const u8* s, u16* d, int& units) {
     const unsigned overlong3 = Mask8(_mm_cmpeq_epi8(b, Set8(0xE0))) & ~Mask8(ClassOf(n1, 0x20, 0x20)) & L3;
     if ((overlong2 | overlong3) & inBlock) return 0;
     const unsigned keep = (~high | L2 | L3) & inBlock;
-    const __m128i lo = Values(_mm_unpacklo_epi8(b, z), _mm_unpacklo_epi8(n1, z), _mm_unpacklo_epi8(n2, z),
-                              _mm_unpacklo_epi8(l2, l2), _mm_unpacklo_epi8(l3, l3));
-    const __m128i hi = Values(_mm_unpackhi_epi8(b, z), _mm_unpackhi_epi8(n1, z), _mm_unpackhi_epi8(n2, z),
-                              _mm_unpackhi_epi8(l2, l2), _mm_unpackhi_epi8(l3, l3));
     const unsigned kLo = keep & 0xFF, kHi = keep >> 8;
+    __m128i lo, hi;
+    if (L3 == 0) {  // ASCII and two-byte characters only
+        lo = Values2(_mm_unpacklo_epi8(b, z), _mm_unpacklo_epi8(n1, z), _mm_unpacklo_epi8(l2, l2));
+        hi = Values2(_mm_unpackhi_epi8(b, z), _mm_unpackhi_epi8(n1, z), _mm_unpackhi_epi8(l2, l2));
+    } else {
+        lo = Values(_mm_unpacklo_epi8(b, z), _mm_unpacklo_epi8(n1, z), _mm_unpacklo_epi8(n2, z),
+                    _mm_unpacklo_epi8(l2, l2), _mm_unpacklo_epi8(l3, l3));
+        hi = Values(_mm_unpackhi_epi8(b, z), _mm_unpackhi_epi8(n1, z), _mm_unpackhi_epi8(n2, z),
+                    _mm_unpackhi_epi8(l2, l2), _mm_unpackhi_epi8(l3, l3));
+    }
     Store(d, SwapIf<kSwap>(Shuffle(lo, kKeepUnits, kLo)));
     Store(d + kKeepUnits.count[kLo], SwapIf<kSwap>(Shuffle(hi, kKeepUnits, kHi)));
     units = kKeepUnits.count[kLo] + kKeepUnits.count[kHi];
