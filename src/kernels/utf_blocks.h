@@ -32,54 +32,29 @@ struct ShuffleTable {
     u8 count[256];
 };
 
-// Keep the 16-bit lanes whose bit is set in the index, packed to the front.
-constexpr ShuffleTable MakeKeepUnits() {
+// For each index m, a shuffle that keeps keep(m, j) leading bytes of each
+// kWidth-byte lane j, packed to the front, and how many kUnit-byte units
+// that makes.
+template <int kLanes, int kWidth, int kUnit, class Keep>
+constexpr ShuffleTable MakeTable(Keep keep) {
     ShuffleTable t{};
     for (int m = 0; m < 256; ++m) {
         int k = 0;
-        for (int j = 0; j < 8; ++j)
-            if ((m >> j) & 1) t.shuffle[m][2 * k] = u8(2 * j), t.shuffle[m][2 * k + 1] = u8(2 * j + 1), ++k;
-        for (int b = 2 * k; b < 16; ++b) t.shuffle[m][b] = 0x80;
-        t.count[m] = u8(k);
-    }
-    return t;
-}
-
-// Four 32-bit lanes holding 1 + bit j of the low nibble + bit j of the high
-// nibble bytes each; keep those bytes, packed to the front.
-constexpr ShuffleTable MakePackSequences() {
-    ShuffleTable t{};
-    for (int m = 0; m < 256; ++m) {
-        int k = 0;
-        for (int j = 0; j < 4; ++j) {
-            const int len = 1 + ((m >> j) & 1) + ((m >> (j + 4)) & 1);
-            for (int b = 0; b < len; ++b) t.shuffle[m][k++] = u8(4 * j + b);
-        }
+        for (int j = 0; j < kLanes; ++j)
+            for (int b = 0; b < keep(m, j); ++b) t.shuffle[m][k++] = u8(kWidth * j + b);
         for (int b = k; b < 16; ++b) t.shuffle[m][b] = 0x80;
-        t.count[m] = u8(k);
+        t.count[m] = u8(k / kUnit);
     }
     return t;
 }
 
-// Eight 16-bit lanes: keep the low byte of each and the high byte of those
-// whose bit is set, packed to the front.
-constexpr ShuffleTable MakePackPairs() {
-    ShuffleTable t{};
-    for (int m = 0; m < 256; ++m) {
-        int k = 0;
-        for (int j = 0; j < 8; ++j) {
-            t.shuffle[m][k++] = u8(2 * j);
-            if ((m >> j) & 1) t.shuffle[m][k++] = u8(2 * j + 1);
-        }
-        for (int b = k; b < 16; ++b) t.shuffle[m][b] = 0x80;
-        t.count[m] = u8(k);
-    }
-    return t;
-}
-
-inline constexpr ShuffleTable kKeepUnits = MakeKeepUnits();
-inline constexpr ShuffleTable kPackPairs = MakePackPairs();
-inline constexpr ShuffleTable kPackSequences = MakePackSequences();
+// The 16-bit lanes whose bit is set (decoded characters, in units).
+inline constexpr ShuffleTable kKeepUnits = MakeTable<8, 2, 2>([](int m, int j) { return (m >> j) & 1 ? 2 : 0; });
+// Each 16-bit lane's low byte, and its high byte when its bit is set.
+inline constexpr ShuffleTable kPackPairs = MakeTable<8, 2, 1>([](int m, int j) { return 1 + ((m >> j) & 1); });
+// Four 32-bit lanes of 1 + bit j + bit j + 4 bytes each.
+inline constexpr ShuffleTable kPackSequences =
+    MakeTable<4, 4, 1>([](int m, int j) { return 1 + ((m >> j) & 1) + ((m >> (j + 4)) & 1); });
 
 VKP_INLINE __m128i Set8(int v) { return _mm_set1_epi8(char(v)); }
 VKP_INLINE unsigned Mask8(__m128i v) { return unsigned(_mm_movemask_epi8(v)); }
