@@ -9,7 +9,8 @@
  *
  * The library owns no buffers, allocates nothing (except the InitAlloc
  * functions) and keeps no state beyond the processor variant chosen when it
- * is loaded. All functions are reentrant on distinct data.
+ * is loaded (and the processor's cache size, read once by the copy kernels).
+ * All functions are reentrant on distinct data.
  */
 #ifndef VKPCH_H
 #define VKPCH_H
