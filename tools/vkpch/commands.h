@@ -11,6 +11,7 @@ int CmdVersion(const Args& args);
 int CmdFind(const Args& args);
 int CmdGrep(const Args& args);
 int CmdCompile(const Args& args);
+int CmdConvert(const Args& args);
 int CmdReplace(const Args& args);
 // grep with -e/-f: the patterns form one pattern set.
 bool GrepUsesPatternList(const Args& args);

@@ -6,8 +6,8 @@
 #include <limits.h>
 
 #include "frame/entries.h"
+#include "kernels/copy.h"
 #include "regexp/compile/state.h"
-#include "regexp/match/block_copy.h"
 #include "vkpcore.h"
 
 namespace vkp::entry {
@@ -75,7 +75,7 @@ Status vkpsRegExpMultiInit(MultiState* pState, int maxPatterns) {
     if (SetBlockSize(maxPatterns) < 0) return kErrSize;
     pState->pPatterns = reinterpret_cast<const RegExpState**>(pState + 1);
     pState->pIds = reinterpret_cast<int*>(pState->pPatterns + maxPatterns);
-    regexp::ZeroFill(reinterpret_cast<u8*>(pState + 1), 12 * maxPatterns);
+    kernels::Zero_8u(reinterpret_cast<u8*>(pState + 1), 12 * maxPatterns);
     pState->capacity = maxPatterns;
     return kOk;
 }

@@ -5,7 +5,7 @@
 // when it fits strictly within the room left; the lengths returned say where
 // to resume.
 #include "frame/entries.h"
-#include "regexp/match/block_copy.h"
+#include "kernels/copy.h"
 #include "regexp/match/find_driver.h"
 #include "regexp/match/stack_limit.h"
 
@@ -38,7 +38,7 @@ bool Expand(Output* out, const vkpRegExpReplaceState* tmpl, const RegExpFind* re
     for (int i = 0; i < tmpl->itemCount; ++i) {
         const Piece piece = ItemText(tmpl->pItems[i], recs, recCount);
         if (w + piece.length >= room) return false;
-        CopyForward(piece.text, out->dst + out->written + w, piece.length);
+        kernels::CopyFwd(piece.text, out->dst + out->written + w, piece.length);
         w += piece.length;
     }
     out->written += w;
@@ -56,7 +56,7 @@ static Status Replace(const u8* src, int* srcLen, u8* dst, int* dstLen, RegExpFi
     Output out{dst, *dstLen, 0};
     if (records == 0) {
         const int n = *srcLen < *dstLen ? *srcLen : *dstLen;
-        CopyForward(src, dst, n);
+        kernels::CopyFwd(src, dst, n);
         *srcLen = *dstLen = n;
         return status;
     }
@@ -72,7 +72,7 @@ static Status Replace(const u8* src, int* srcLen, u8* dst, int* dstLen, RegExpFi
         // The gap does not fit: resume behind the previous match (nor does
         // the tail, which holds the gap).
         if (gap >= out.room - out.written) break;
-        CopyForward(src + done, dst + out.written, gap);
+        kernels::CopyFwd(src + done, dst + out.written, gap);
         out.written += gap;
         // An item does not fit: resume at this match, its gap written.
         if (!Expand(&out, tmpl, recs, recCount)) {
@@ -84,7 +84,7 @@ static Status Replace(const u8* src, int* srcLen, u8* dst, int* dstLen, RegExpFi
     }
     const int tail = *srcLen - done;
     if (tail < out.room - out.written) {
-        CopyForward(src + done, dst + out.written, tail);
+        kernels::CopyFwd(src + done, dst + out.written, tail);
         out.written += tail;
         done = *srcLen;
     }
