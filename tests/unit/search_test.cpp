@@ -7,34 +7,13 @@
 #include <vector>
 
 #include "support/guarded_buffer.h"
+#include "support/placements.h"
 #include "support/random_text.h"
 #include "support/search_api.h"
 #include "support/search_reference.h"
 
 namespace vkptest {
 namespace {
-
-struct Placement {
-    GuardedBuffer::Guard guard;
-    size_t slack;
-};
-
-template <class T>
-std::vector<Placement> Placements() {
-    std::vector<Placement> p = {{GuardedBuffer::Guard::After, 0}, {GuardedBuffer::Guard::Before, 0}};
-    if (sizeof(T) == 2) {  // odd addresses
-        p.push_back({GuardedBuffer::Guard::After, 1});
-        p.push_back({GuardedBuffer::Guard::Before, 1});
-    }
-    return p;
-}
-
-std::vector<int> Lengths() {
-    std::vector<int> lens;
-    for (int n = 0; n <= 300; ++n) lens.push_back(n);
-    for (int n : {511, 512, 513, 1000, 4096 + 7, 65536 + 3}) lens.push_back(n);
-    return lens;
-}
 
 // Alphabets: (size, first unit). Small ones make many partial matches; the
 // high 16-bit bases catch sign and byte-order slips.
