@@ -1,7 +1,7 @@
-// The first position at which two strings differ, after an optional
-// per-unit mapping (none, or a case fold), in blocks of V::kBytes.
+// The first position at which two strings differ, exactly or ignoring the
+// case of A to Z, in blocks of V::kBytes.
 //
-// Four blocks per step are compared and their equality masks combined; the
+// Eight blocks per step are compared and their equality masks combined; the
 // step with a difference is then resolved block by block. The final partial
 // block is taken flush with the end (the units before it are known equal, so
 // its first difference is the string's). Strings shorter than a block are
@@ -13,66 +13,87 @@
 
 namespace vkp::kernels {
 
-// Units compared as they are.
+// Units equal as they are.
 template <class T, class V>
 struct SameUnits {
-    VKP_INLINE T Unit(T c) const { return c; }
-    VKP_INLINE typename V::Reg Vector(typename V::Reg x) const { return x; }
+    VKP_INLINE bool Unit(T a, T b) const { return a == b; }
+    VKP_INLINE typename V::Reg Vector(typename V::Reg a, typename V::Reg b) const { return V::template Equal<T>(a, b); }
 };
 
-// The first i in [from, to) with map(a[i]) != map(b[i]), or to.
-template <class T, class Map>
-VKP_INLINE int MismatchUnits(const T* a, const T* b, int from, int to, const Map& map) {
+// Units equal once A to Z are folded to a to z: equal, or differing only in
+// bit 5 with a letter (a | 0x20 in a..z, tested by one signed compare after
+// moving 'a' to the bottom of the signed range).
+template <class T, class V>
+struct SameIgnoringLatinCase {
+    using Reg = typename V::Reg;
+    static constexpr T kBias = T(1u << (8 * sizeof(T) - 1));
+    Reg caseBit = V::template Splat<T>(T(0x20));
+    Reg shift = V::template Splat<T>(T(kBias - 'a'));
+    Reg limit = V::template Splat<T>(T(kBias + 26));
+
+    VKP_INLINE bool Unit(T a, T b) const { return a == b || ((a ^ b) == 0x20 && T((a | 0x20) - 'a') < 26); }
+    VKP_INLINE Reg Vector(Reg a, Reg b) const {
+        const Reg letter = V::template Greater<T>(limit, V::template Add<T>(V::Or(a, caseBit), shift));
+        const Reg caseOnly = V::And(V::template Equal<T>(V::Xor(a, b), caseBit), letter);
+        return V::Or(V::template Equal<T>(a, b), caseOnly);
+    }
+};
+
+// The first i in [from, to) where a[i] and b[i] are not the same, or to.
+template <class T, class Same>
+VKP_INLINE int MismatchUnits(const T* a, const T* b, int from, int to, const Same& same) {
     for (int i = from; i < to; ++i)
-        if (map.Unit(LoadUnit(a + i)) != map.Unit(LoadUnit(b + i))) return i;
+        if (!same.Unit(LoadUnit(a + i), LoadUnit(b + i))) return i;
     return to;
 }
 
-// Mask of the units of one block whose mapped values differ.
-template <class T, class V, class Map>
-VKP_INLINE u32 DiffMask(const T* a, const T* b, const Map& map) {
-    const auto eq = V::template Equal<T>(map.Vector(V::Load(a)), map.Vector(V::Load(b)));
-    return ~V::ByteMask(eq) & V::kAllBytes;
+// Mask of the units of one block that are not the same.
+template <class T, class V, class Same>
+VKP_INLINE u32 DiffMask(typename V::Reg a, typename V::Reg b, const Same& same) {
+    return ~V::ByteMask(same.Vector(a, b)) & V::kAllBytes;
 }
 
-// The first i < len with map(a[i]) != map(b[i]), or len.
-template <class T, class V, class Map>
-int FirstMismatch(const T* a, const T* b, int len, const Map& map) {
+// The first i < len where a[i] and b[i] are not the same, or len.
+template <class T, class V, class Same>
+int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
     constexpr int per = V::kBytes / int(sizeof(T));
-    if (len < per) return MismatchUnits(a, b, 0, len, map);
+    if (len < per) return MismatchUnits(a, b, 0, len, same);
     int i = 0;
-    for (; i + 4 * per <= len; i += 4 * per) {
-        auto eq = V::template Equal<T>(map.Vector(V::Load(a + i)), map.Vector(V::Load(b + i)));
-        for (int k = 1; k < 4; ++k)
-            eq = V::And(eq, V::template Equal<T>(map.Vector(V::Load(a + i + k * per)), map.Vector(V::Load(b + i + k * per))));
+    for (; i + 8 * per <= len; i += 8 * per) {
+        auto eq = same.Vector(V::Load(a + i), V::Load(b + i));
+        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::Load(a + i + k * per), V::Load(b + i + k * per)));
         if (V::ByteMask(eq) != V::kAllBytes) break;
     }
     for (; i + per <= len; i += per)
-        if (u32 m = DiffMask<T, V>(a + i, b + i, map)) return i + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::Load(a + i), V::Load(b + i), same)) return i + LowBit(m) / int(sizeof(T));
     if (i < len) {
         const int j = len - per;
-        if (u32 m = DiffMask<T, V>(a + j, b + j, map)) return j + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::Load(a + j), V::Load(b + j), same)) return j + LowBit(m) / int(sizeof(T));
     }
     return len;
 }
+
+// Units equal under the case map's lower-case mapping.
+struct SameLowerCase {
+    VKP_INLINE bool Unit(u16 a, u16 b) const { return CaseMapped<true>(a) == CaseMapped<true>(b); }
+};
 
 // The first i < len at which the full lower-case mappings of a[i] and b[i]
 // differ, or len. Blocks of units below 0x80 compare Latin-folded.
 template <class V>
 int FirstMismatchFolded(const u16* a, const u16* b, int len) {
     constexpr int per = V::kBytes / 2;
-    const RangeShift<u16, V> latin = LatinLower<u16, V>();
+    const SameIgnoringLatinCase<u16, V> latin;
     int i = 0;
     for (; i + per <= len; i += per) {
         const auto x = V::Load(a + i), y = V::Load(b + i);
         if (AsciiBlock<V>(V::Or(x, y))) {
-            const u32 m = ~V::ByteMask(V::template Equal<u16>(latin.Vector(x), latin.Vector(y))) & V::kAllBytes;
-            if (m) return i + LowBit(m) / 2;
-        } else if (int k = MismatchUnits(a, b, i, i + per, CaseTableMap<true>{}); k < i + per) {
+            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowBit(m) / 2;
+        } else if (int k = MismatchUnits(a, b, i, i + per, SameLowerCase{}); k < i + per) {
             return k;
         }
     }
-    return MismatchUnits(a, b, i, len, CaseTableMap<true>{});
+    return MismatchUnits(a, b, i, len, SameLowerCase{});
 }
 
 }  // namespace vkp::kernels

@@ -10,11 +10,13 @@
 // Membership tests:
 // - 8u, any set: two 16-entry tables indexed by a byte's low four bits, one
 //   for bytes below 128 and one for the rest; entry bit (byte >> 4) & 7 marks
-//   a member. Four shuffles and a compare per block, whatever the set size.
+//   a member. Two or three shuffles and a compare per block, whatever the
+//   set size. A set of one member uses the single-unit search.
 // - 16u, up to kSplatMembers members: each member broadcast, the block
 //   compared against every one.
 // - 16u, larger sets: a 65536-bit presence map on the stack, units tested one
-//   by one (the map is built only when the work saved pays for clearing it).
+//   by one; for short strings, where clearing the map would cost more than
+//   it saves, every unit is compared with every member.
 #pragma once
 
 #include "kernels/unit_search.h"
@@ -87,58 +89,72 @@ int ScanRev(const T* s, int len, const Test& t) {
     return -1;
 }
 
-// Any set of bytes as two nibble tables.
+// Any set of bytes as two nibble tables. A shuffle yields zero for an index
+// byte with its top bit set, so the table of low members answers 0 for bytes
+// of 128 and above, and the table of high members, indexed by the byte with
+// its top bit flipped, answers 0 for the others; that second lookup is
+// needed only when some member is 128 or above (kHigh).
 template <class V>
-struct ByteSetTest {
+struct ByteSetTables {
     using Reg = typename V::Reg;
-    alignas(16) u8 low[16] = {};   // members 0..127
-    alignas(16) u8 high[16] = {};  // members 128..255
-    Reg tLow, tHigh, bits, nibble, keep;
+    // Entries 0..15: the table of members below 128; 16..31: the others.
+    alignas(16) u8 entry[32] = {};
+    Reg tLow, tHigh, bits, nibble, top;
 
-    ByteSetTest(const u8* set, int n) {
+    static VKP_INLINE int Entry(u8 c) { return ((c >> 3) & 16) | (c & 15); }
+    static VKP_INLINE u8 Bit(u8 c) { return u8(1u << ((c >> 4) & 7)); }
+
+    ByteSetTables(const u8* set, int n) {
+        for (int k = 0; k < n; ++k) entry[Entry(set[k])] |= Bit(set[k]);
+        tLow = V::Table(entry), tHigh = V::Table(entry + 16);
         static constexpr u8 kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-        for (int k = 0; k < n; ++k) {
-            const u8 c = set[k];
-            (c & 0x80 ? high : low)[c & 15] |= u8(1u << ((c >> 4) & 7));
-        }
-        tLow = V::Table(low), tHigh = V::Table(high), bits = V::Table(kBits);
-        nibble = V::template Splat<u8>(0x0F), keep = V::template Splat<u8>(0x8F);
+        bits = V::Table(kBits);
+        nibble = V::template Splat<u8>(0x0F), top = V::template Splat<u8>(0x80);
     }
-    VKP_INLINE bool Unit(u8 c) const { return ((c & 0x80 ? high : low)[c & 15] >> ((c >> 4) & 7)) & 1; }
+    bool HasHigh() const { return !V::IsZero(tHigh); }
+    VKP_INLINE bool Unit(u8 c) const { return entry[Entry(c)] & Bit(c); }
+    template <bool kHigh>
     VKP_INLINE Reg Vector(Reg x) const {
-        // The index keeps the top bit, so each table answers only for its half.
-        const Reg index = V::And(x, keep);
-        const Reg row = V::Or(V::Lookup(tLow, index), V::Lookup(tHigh, V::Xor(index, V::template Splat<u8>(0x80))));
+        Reg row = V::Lookup(tLow, x);
+        if constexpr (kHigh) row = V::Or(row, V::Lookup(tHigh, V::Xor(x, top)));
         const Reg bit = V::Lookup(bits, V::And(V::ShiftRight16(x, 4), nibble));
         return V::template Equal<u8>(V::And(row, bit), bit);
     }
 };
 
+template <class V, bool kHigh>
+struct ByteSetTest {
+    const ByteSetTables<V>& t;
+    VKP_INLINE bool Unit(u8 c) const { return t.Unit(c); }
+    VKP_INLINE typename V::Reg Vector(typename V::Reg x) const { return t.template Vector<kHigh>(x); }
+};
+
 constexpr int kSplatMembers = 8;
 
-// 16u members tested one after another.
+// Members tested one after another.
+template <class T>
 struct MemberList {
-    const u16* set;
+    const T* set;
     int n;
-    VKP_INLINE bool Unit(u16 c) const {
+    VKP_INLINE bool Unit(T c) const {
         for (int k = 0; k < n; ++k)
             if (LoadUnit(set + k) == c) return true;
         return false;
     }
 };
 
-// A few 16u members, each broadcast.
-template <class V>
-struct SplatSetTest : MemberList {
+// A few members, each broadcast.
+template <class T, class V>
+struct SplatSetTest : MemberList<T> {
     using Reg = typename V::Reg;
     Reg member[kSplatMembers];
 
-    SplatSetTest(const u16* s, int count) : MemberList{s, count} {
-        for (int k = 0; k < n; ++k) member[k] = V::template Splat<u16>(LoadUnit(s + k));
+    SplatSetTest(const T* s, int count) : MemberList<T>{s, count} {
+        for (int k = 0; k < count; ++k) member[k] = V::template Splat<T>(LoadUnit(s + k));
     }
     VKP_INLINE Reg Vector(Reg x) const {
-        Reg hit = V::template Equal<u16>(x, member[0]);
-        for (int k = 1; k < n; ++k) hit = V::Or(hit, V::template Equal<u16>(x, member[k]));
+        Reg hit = V::template Equal<T>(x, member[0]);
+        for (int k = 1; k < this->n; ++k) hit = V::Or(hit, V::template Equal<T>(x, member[k]));
         return hit;
     }
 };
@@ -168,7 +184,9 @@ VKP_INLINE int Scan(const T* s, int len, const Test& t) {
 template <bool kReverse, class V = Vec16>
 int FindAnyUnit(const u8* s, int len, const u8* set, int n) {
     if (n == 1) return kReverse ? FindUnitRev(s, len, set[0]) : FindUnitFwd(s, len, set[0]);
-    return Scan<kReverse, V>(s, len, ByteSetTest<V>(set, n));
+    const ByteSetTables<V> tables(set, n);
+    if (tables.HasHigh()) return Scan<kReverse, V>(s, len, ByteSetTest<V, true>{tables});
+    return Scan<kReverse, V>(s, len, ByteSetTest<V, false>{tables});
 }
 
 template <bool kReverse, class V = Vec16>
@@ -177,9 +195,10 @@ int FindAnyUnit(const u16* s, int len, const u16* set, int n) {
         const u16 v = LoadUnit(set);
         return kReverse ? FindUnitRev(s, len, v) : FindUnitFwd(s, len, v);
     }
-    if (n <= kSplatMembers) return Scan<kReverse, V>(s, len, SplatSetTest<V>(set, n));
-    // Clearing the map costs about as much as 4096 unit-member comparisons.
-    if (int64_t(len) * n <= 4096) return ScanUnits<kReverse>(s, len, MemberList{set, n});
+    if (n <= kSplatMembers) return Scan<kReverse, V>(s, len, SplatSetTest<u16, V>(set, n));
+    // Clearing the map costs about as much as a few hundred unit-member
+    // comparisons.
+    if (int64_t(len) * n <= 256) return ScanUnits<kReverse>(s, len, MemberList<u16>{set, n});
     return ScanUnits<kReverse>(s, len, UnitMapTest(set, n));
 }
 

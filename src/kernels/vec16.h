@@ -16,8 +16,9 @@ struct Vec16 {
 
     static VKP_INLINE Reg Load(const void* p) { return _mm_loadu_si128(static_cast<const Reg*>(p)); }
     static VKP_INLINE void Store(void* p, Reg v) { _mm_storeu_si128(static_cast<Reg*>(p), v); }
-    // A 16-byte constant repeated over the whole vector.
+    // A 16-byte table in every 16-byte lane.
     static VKP_INLINE Reg Table(const u8* p16) { return _mm_loadu_si128(reinterpret_cast<const Reg*>(p16)); }
+    static VKP_INLINE bool IsZero(Reg v) { return _mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_setzero_si128())) == 0xFFFF; }
     static VKP_INLINE Reg Zero() { return _mm_setzero_si128(); }
     static VKP_INLINE Reg Or(Reg a, Reg b) { return _mm_or_si128(a, b); }
     static VKP_INLINE Reg And(Reg a, Reg b) { return _mm_and_si128(a, b); }

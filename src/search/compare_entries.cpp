@@ -22,19 +22,24 @@ int Difference(const T* a, const T* b, int len, int at, const Map& map) {
     return at == len ? 0 : int(map.Unit(LoadUnit(a + at))) - int(map.Unit(LoadUnit(b + at)));
 }
 
-template <class T, class Map>
-Status CompareMapped(const T* a, const T* b, int len, int* pResult, const Map& map) {
-    return CompareWith(a, b, len, pResult, [&] { return Difference(a, b, len, kernels::FirstMismatch<T, Vec16>(a, b, len, map), map); });
-}
+template <class T>
+struct Unmapped {
+    VKP_INLINE T Unit(T c) const { return c; }
+};
 
 template <class T>
 Status Compare(const T* a, const T* b, int len, int* pResult) {
-    return CompareMapped(a, b, len, pResult, kernels::SameUnits<T, Vec16>{});
+    return CompareWith(a, b, len, pResult, [&] {
+        return Difference(a, b, len, kernels::FirstMismatch<T, Vec16>(a, b, len, kernels::SameUnits<T, Vec16>{}), Unmapped<T>{});
+    });
 }
 
 template <class T>
 Status CompareLatin(const T* a, const T* b, int len, int* pResult) {
-    return CompareMapped(a, b, len, pResult, kernels::LatinLower<T, Vec16>());
+    return CompareWith(a, b, len, pResult, [&] {
+        const int at = kernels::FirstMismatch<T, Vec16>(a, b, len, kernels::SameIgnoringLatinCase<T, Vec16>{});
+        return Difference(a, b, len, at, kernels::LatinLower<T, Vec16>());
+    });
 }
 
 template <class T>
