@@ -22,7 +22,8 @@ OUT_BLOCKS = "src/regexp/compile/unicode_blocks_table.cpp"
 OUT_SCRIPTS = "src/regexp/compile/unicode_scripts_table.cpp"
 OUT_CHARS = "src/regexp/match/unicode_chars_table.cpp"
 OUT_CASEMAP = "src/search/case_map_table.cpp"
-OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP)
+OUT_CASELIST = "tests/unit/case_map_expected.inc"
+OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP, OUT_CASELIST)
 
 # General category -> category bits (major-class bit | minor bit).
 MAJOR = {"L": 0x80, "M": 0x100, "Z": 0x200, "S": 0x400, "N": 0x800,
@@ -324,6 +325,21 @@ def emit_casemap(records, ages):
                wrap(["0x%08X" % w for w in word_list], 8)))
 
 
+def emit_caselist(records, ages):
+    """The case map's mappings as a plain list, for the test that reads the
+    compressed table back unit by unit."""
+    maps = case_mappings(records, ages)
+    rows = []
+    for cp in sorted(maps):
+        has_upper, has_lower, delta = maps[cp]
+        rows.append("{0x%04X, %s, %s}," % (
+            cp, "0x%04X" % (cp - delta) if has_upper else "-1",
+            "0x%04X" % (cp + delta) if has_lower else "-1"))
+    return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
+            "// {unit, upper-case mapping, lower-case mapping}, -1 for none;\n"
+            "// units not listed map to nothing.\n" + "\n".join(rows) + "\n")
+
+
 def main(argv):
     ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     ap.add_argument("ucd", nargs="?", default=DEFAULT_UCD)
@@ -340,6 +356,7 @@ def main(argv):
         OUT_SCRIPTS: emit_scripts(read_scripts(src("Scripts.txt"))),
         OUT_CHARS: emit_chars(records, ranges),
         OUT_CASEMAP: emit_casemap(records, ages),
+        OUT_CASELIST: emit_caselist(records, ages),
     }
     for rel in OUTPUTS:
         path = os.path.join(args.out, rel)
