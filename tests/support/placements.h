@@ -2,6 +2,8 @@
 // them, and for 16u also one byte off (odd addresses).
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 #include "support/guarded_buffer.h"
@@ -30,6 +32,19 @@ inline std::vector<int> Lengths() {
     for (int n = 0; n <= 300; ++n) lens.push_back(n);
     for (int n : {511, 512, 513, 1000, 4096 + 7, 65536 + 3}) lens.push_back(n);
     return lens;
+}
+
+// Calls fn(placement, len) for every placement and length (the large
+// lengths only at even addresses), until an assertion fails.
+template <class T, class Fn>
+void ForEachPlacedLength(Fn fn) {
+    for (const Placement& pl : Placements<T>()) {
+        for (int len : Lengths()) {
+            if (len > 4096 && pl.slack) continue;
+            fn(pl, len);
+            if (::testing::Test::HasFatalFailure()) return;
+        }
+    }
 }
 
 }  // namespace vkptest

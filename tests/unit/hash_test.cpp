@@ -7,7 +7,7 @@
 
 #include "support/placements.h"
 #include "support/random_text.h"
-#include "support/text_api.h"
+#include "support/search_api.h"
 #include "support/text_reference.h"
 
 namespace vkptest {
@@ -20,25 +20,22 @@ TYPED_TEST_SUITE(Hash, UnitTypes);
 
 TYPED_TEST(Hash, MatchesReference) {
     using T = TypeParam;
-    using Api = TextApi<T>;
+    using Api = SearchApi<T>;
     Rng rng(31);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            // Any unit value; mostly non-zero, so that the seeded hash runs on.
-            std::vector<T> s = RandomUnits<T>(rng, len, (1u << (8 * sizeof(T))) - 1, 1);
-            for (int z = RandomInt(rng, 0, 2); z > 0 && len; --z) s[RandomInt(rng, 0, len - 1)] = 0;
-            const T* src = srcBuf.fill(s.data(), s.size());
-            vkp32u shift = 1, mulAdd = 1, mulXor = 1;
-            ASSERT_EQ(Api::Hash(src, len, &shift), VKP_OK);
-            ASSERT_EQ(Api::HashSJ2(src, len, &mulAdd), VKP_OK);
-            ASSERT_EQ(Api::HashMSCS(src, len, &mulXor), VKP_OK);
-            ASSERT_EQ(shift, RefHashShiftXor(s)) << "len " << len;
-            ASSERT_EQ(mulAdd, RefHashMulAdd(s)) << "len " << len;
-            ASSERT_EQ(mulXor, RefHashMulXor(s)) << "len " << len;
-        }
-    }
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        // Any unit value; mostly non-zero, so that the seeded hash runs on.
+        std::vector<T> s = RandomUnits<T>(rng, len, (1u << (8 * sizeof(T))) - 1, 1);
+        for (int z = RandomInt(rng, 0, 2); z > 0 && len; --z) s[RandomInt(rng, 0, len - 1)] = 0;
+        const T* src = srcBuf.fill(s.data(), s.size());
+        vkp32u shift = 1, mulAdd = 1, mulXor = 1;
+        ASSERT_EQ(Api::Hash(src, len, &shift), VKP_OK);
+        ASSERT_EQ(Api::HashSJ2(src, len, &mulAdd), VKP_OK);
+        ASSERT_EQ(Api::HashMSCS(src, len, &mulXor), VKP_OK);
+        ASSERT_EQ(shift, RefHashShiftXor(s)) << "len " << len;
+        ASSERT_EQ(mulAdd, RefHashMulAdd(s)) << "len " << len;
+        ASSERT_EQ(mulXor, RefHashMulXor(s)) << "len " << len;
+    });
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "support/placements.h"
 #include "support/random_text.h"
-#include "support/text_api.h"
+#include "support/search_api.h"
 #include "support/text_reference.h"
 
 namespace vkptest {
@@ -29,41 +29,38 @@ T Pick(Rng& rng, int spread) {
 
 TYPED_TEST(SetSearch, MatchesReference) {
     using T = TypeParam;
-    using Api = TextApi<T>;
+    using Api = SearchApi<T>;
     Rng rng(20261123);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            for (int n : {0, 1, 2, 3, 8, 9, 10, 16, 17, 40, 300}) {
-                std::vector<T> set(n);
-                for (T& m : set) m = Pick<T>(rng, 128);
-                // About two members per string, none in some strings.
-                const int hits = RandomInt(rng, 0, 3);
-                std::vector<T> s(len);
-                for (T& u : s) {
-                    do u = Pick<T>(rng, 256);
-                    while (IsMember(u, set));
-                }
-                for (int h = 0; h < hits && len && n; ++h) s[RandomInt(rng, 0, len - 1)] = set[RandomInt(rng, 0, n - 1)];
-                GuardedBuffer setBuf(n * sizeof(T), pl.guard, pl.slack);
-                const T* src = srcBuf.fill(s.data(), s.size());
-                const T* pset = setBuf.fill(set.data(), set.size());
-                int fwd = -2, rev = -2;
-                ASSERT_EQ(Api::FindCAny(src, len, pset, n, &fwd), VKP_OK);
-                ASSERT_EQ(Api::FindRevCAny(src, len, pset, n, &rev), VKP_OK);
-                ASSERT_EQ(fwd, RefFindAny(s, set, false)) << "len " << len << " set " << n;
-                ASSERT_EQ(rev, RefFindAny(s, set, true)) << "len " << len << " set " << n;
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        for (int n : {0, 1, 2, 3, 8, 9, 10, 16, 17, 40, 300}) {
+            std::vector<T> set(n);
+            for (T& m : set) m = Pick<T>(rng, 128);
+            // About two members per string, none in some strings.
+            const int hits = RandomInt(rng, 0, 3);
+            std::vector<T> s(len);
+            for (T& u : s) {
+                do u = Pick<T>(rng, 256);
+                while (IsMember(u, set));
             }
+            for (int h = 0; h < hits && len && n; ++h) s[RandomInt(rng, 0, len - 1)] = set[RandomInt(rng, 0, n - 1)];
+            GuardedBuffer setBuf(n * sizeof(T), pl.guard, pl.slack);
+            const T* src = srcBuf.fill(s.data(), s.size());
+            const T* pset = setBuf.fill(set.data(), set.size());
+            int fwd = -2, rev = -2;
+            ASSERT_EQ(Api::FindCAny(src, len, pset, n, &fwd), VKP_OK);
+            ASSERT_EQ(Api::FindRevCAny(src, len, pset, n, &rev), VKP_OK);
+            ASSERT_EQ(fwd, RefFindAny(s, set, false)) << "len " << len << " set " << n;
+            ASSERT_EQ(rev, RefFindAny(s, set, true)) << "len " << len << " set " << n;
         }
-    }
+    });
 }
 
 // One member at every position (and a second one behind it), for every
 // strategy: all 256 byte values as 8u sets, and 16u sets of each kind.
 TYPED_TEST(SetSearch, MemberAtEveryPosition) {
     using T = TypeParam;
-    using Api = TextApi<T>;
+    using Api = SearchApi<T>;
     Rng rng(3);
     for (int n : {1, 3, 9, 64}) {
         for (int len : {15, 16, 17, 64, 100, 257}) {
