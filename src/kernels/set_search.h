@@ -96,6 +96,7 @@ int ScanRev(const T* s, int len, const Test& t) {
 // needed only when some member is 128 or above (kHigh).
 template <class V>
 struct ByteSetTables {
+    static constexpr int kRegisterBuild = 16;
     using Reg = typename V::Reg;
     // Entries 0..15: the table of members below 128; 16..31: the others.
     alignas(16) u8 entry[32] = {};
@@ -105,9 +106,24 @@ struct ByteSetTables {
     static VKP_INLINE u8 Bit(u8 c) { return u8(1u << ((c >> 4) & 7)); }
 
     ByteSetTables(const u8* set, int n) {
-        for (int k = 0; k < n; ++k) entry[Entry(set[k])] |= Bit(set[k]);
-        tLow = V::Table(entry), tHigh = V::Table(entry + 16);
         static constexpr u8 kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+        static constexpr u8 kIndex[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+        if (n <= kRegisterBuild) {
+            // Built in registers: loading tables just written byte by byte
+            // would stall longer than a short search takes.
+            const Reg index = V::Table(kIndex);
+            tLow = tHigh = V::Zero();
+            for (int k = 0; k < n; ++k) {
+                const u8 c = set[k];
+                const Reg hit = V::And(V::template Equal<u8>(index, V::template Splat<u8>(u8(c & 15))), V::template Splat<u8>(Bit(c)));
+                if (c & 0x80) tHigh = V::Or(tHigh, hit);
+                else tLow = V::Or(tLow, hit);
+            }
+            V::Store(entry, tLow), V::Store(entry + 16, tHigh);
+        } else {
+            for (int k = 0; k < n; ++k) entry[Entry(set[k])] |= Bit(set[k]);
+            tLow = V::Table(entry), tHigh = V::Table(entry + 16);
+        }
         bits = V::Table(kBits);
         nibble = V::template Splat<u8>(0x0F), top = V::template Splat<u8>(0x80);
     }
