@@ -1,9 +1,8 @@
 // Case mapping of 8u and 16u strings.
 //
 // Latin mappings shift the units of one range (A to Z, or a to z) by a fixed
-// delta, a block at a time without branches: the units are biased by the
-// unit type's top bit so that two signed compares give the in-range mask,
-// which selects the delta. The final partial block is taken flush with the
+// delta, a block at a time without branches: one add and one signed compare
+// give the in-range mask, which selects the delta. The final partial block is taken flush with the
 // end; re-mapping units already mapped changes nothing, because a shifted
 // unit lies outside the range.
 //
@@ -18,25 +17,24 @@
 namespace vkp::kernels {
 
 // c + delta for lo <= c <= hi, else c (0 < lo <= hi < the unit's maximum).
+// Adding 2^(bits-1) - lo moves the range to the bottom of the signed range,
+// so that one signed compare tests it.
 template <class T, class V>
 struct RangeShift {
     using Reg = typename V::Reg;
     static constexpr T kBias = T(1u << (8 * sizeof(T) - 1));
     T lo, hi, delta;
-    Reg below, above, shift, bias;
+    Reg offset, limit, shift;
 
     RangeShift(T low, T high, int d) : lo(low), hi(high), delta(T(d)) {
-        below = V::template Splat<T>(T((lo - 1) ^ kBias));
-        above = V::template Splat<T>(T((hi + 1) ^ kBias));
+        offset = V::template Splat<T>(T(kBias - lo));
+        limit = V::template Splat<T>(T(kBias + (hi - lo) + 1));
         shift = V::template Splat<T>(delta);
-        bias = V::template Splat<T>(kBias);
     }
     VKP_INLINE T Unit(T c) const { return T(c - lo) <= T(hi - lo) ? T(c + delta) : c; }
-    VKP_INLINE Reg Vector(Reg x) const {
-        const Reg b = V::Xor(x, bias);
-        const Reg in = V::And(V::template Greater<T>(b, below), V::template Greater<T>(above, b));
-        return V::template Add<T>(x, V::And(in, shift));
-    }
+    // All ones in the units that lie in the range.
+    VKP_INLINE Reg InRange(Reg x) const { return V::template Greater<T>(limit, V::template Add<T>(x, offset)); }
+    VKP_INLINE Reg Vector(Reg x) const { return V::template Add<T>(x, V::And(InRange(x), shift)); }
 };
 
 template <class T, class V>

@@ -21,20 +21,16 @@ struct SameUnits {
 };
 
 // Units equal once A to Z are folded to a to z: equal, or differing only in
-// bit 5 with a letter (a | 0x20 in a..z, tested by one signed compare after
-// moving 'a' to the bottom of the signed range).
+// bit 5 with a letter (a | 0x20 in a..z).
 template <class T, class V>
 struct SameIgnoringLatinCase {
     using Reg = typename V::Reg;
-    static constexpr T kBias = T(1u << (8 * sizeof(T) - 1));
+    RangeShift<T, V> small = LatinUpper<T, V>();
     Reg caseBit = V::template Splat<T>(T(0x20));
-    Reg shift = V::template Splat<T>(T(kBias - 'a'));
-    Reg limit = V::template Splat<T>(T(kBias + 26));
 
     VKP_INLINE bool Unit(T a, T b) const { return a == b || ((a ^ b) == 0x20 && T((a | 0x20) - 'a') < 26); }
     VKP_INLINE Reg Vector(Reg a, Reg b) const {
-        const Reg letter = V::template Greater<T>(limit, V::template Add<T>(V::Or(a, caseBit), shift));
-        const Reg caseOnly = V::And(V::template Equal<T>(V::Xor(a, b), caseBit), letter);
+        const Reg caseOnly = V::And(V::template Equal<T>(V::Xor(a, b), caseBit), small.InRange(V::Or(a, caseBit)));
         return V::Or(V::template Equal<T>(a, b), caseOnly);
     }
 };
