@@ -56,6 +56,7 @@ GEORGIAN_DELTA = 48
 DELTA_BITS = 10
 CASE_BLOCK_SHIFT = 6
 CASE_WORDS = 128
+CASE_DIRECT_UNITS = 0x600   # units below this also have flat shift tables
 
 
 def category_bits(gc):
@@ -313,16 +314,26 @@ def emit_casemap(records, ages):
         index.append(rows[row])
     word_list = [w for w, _ in sorted(words.items(), key=lambda kv: kv[1])]
     word_list += [0] * (CASE_WORDS - len(word_list))
+
+    def shifts(slot, sign):
+        out = []
+        for cp in range(CASE_DIRECT_UNITS):
+            m = maps.get(cp)
+            out.append(str(sign * m[2] if m and m[slot] else 0))
+        return wrap(out, 32)
     return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
             '#include "search/case_map.h"\n\n'
             "namespace vkp {\n\n"
             "const u16 kCaseMapIndex[kCaseMapIndexSize] = {\n%s\n};\n\n"
             "const u8 kCaseMapContents[] = {\n%s\n};\n\n"
             "const u32 kCaseMapWords[kCaseMapWordCount] = {\n%s\n};\n\n"
+            "const int16_t kCaseLowerShift[kCaseDirectUnits] = {\n%s\n};\n\n"
+            "const int16_t kCaseUpperShift[kCaseDirectUnits] = {\n%s\n};\n\n"
             "}  // namespace vkp\n"
             % (wrap([str(x) for x in index], 24),
                wrap([str(x) for x in contents], 32),
-               wrap(["0x%08X" % w for w in word_list], 8)))
+               wrap(["0x%08X" % w for w in word_list], 8),
+               shifts(1, 1), shifts(0, -1)))
 
 
 def emit_caselist(records, ages):

@@ -64,6 +64,7 @@ void MapBlocks(const T* src, T* dst, int len, const Map& map) {
 // The case map's lower (kLower) or upper mapping of one unit.
 template <bool kLower>
 VKP_INLINE u16 CaseMapped(u16 c) {
+    if (c < kCaseDirectUnits) return u16(c + (kLower ? kCaseLowerShift : kCaseUpperShift)[c]);
     const u32 w = CaseMapWord(c);
     const int d = CaseMapDelta(w);
     if constexpr (kLower) return (w & kCaseHasLower) ? u16(c + d) : c;
