@@ -56,33 +56,5 @@ TYPED_TEST(SetSearch, MatchesReference) {
     });
 }
 
-// One member at every position (and a second one behind it), for every
-// strategy: all 256 byte values as 8u sets, and 16u sets of each kind.
-TYPED_TEST(SetSearch, MemberAtEveryPosition) {
-    using T = TypeParam;
-    using Api = SearchApi<T>;
-    Rng rng(3);
-    for (int n : {1, 3, 9, 64}) {
-        for (int len : {15, 16, 17, 64, 100, 257}) {
-            std::vector<T> set(n);
-            for (T& m : set) m = T(RandomInt(rng, 0, (1 << (8 * sizeof(T))) - 1));
-            for (int a = 0; a < len; ++a) {
-                std::vector<T> s(len);
-                for (T& u : s) {
-                    do u = T(RandomInt(rng, 0, (1 << (8 * sizeof(T))) - 1));
-                    while (IsMember(u, set));
-                }
-                const int b = RandomInt(rng, a, len - 1);
-                s[a] = set[RandomInt(rng, 0, n - 1)], s[b] = set[RandomInt(rng, 0, n - 1)];
-                int fwd = -2, rev = -2;
-                ASSERT_EQ(Api::FindCAny(s.data(), len, set.data(), n, &fwd), VKP_OK);
-                ASSERT_EQ(Api::FindRevCAny(s.data(), len, set.data(), n, &rev), VKP_OK);
-                ASSERT_EQ(fwd, a) << "len " << len << " set " << n;
-                ASSERT_EQ(rev, b) << "len " << len << " set " << n;
-            }
-        }
-    }
-}
-
 }  // namespace
 }  // namespace vkptest
