@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_register.h"
 #include "corpus.h"
 #include "ratio_table.h"
 #include "vkpch.h"
@@ -26,20 +27,6 @@ const std::string& Text() {
 const std::vector<UChar>& Text16() {
     static const std::vector<UChar> t(Text().begin(), Text().end());
     return t;
-}
-
-template <class Fn>
-void Register(const std::string& name, int bytes, Fn fn) {
-    benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
-        for (auto _ : st) benchmark::DoNotOptimize(fn());
-        st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
-    })->MinTime(0.05);
-}
-
-std::string Name(const char* family, const char* impl, int size, int needle = 0) {
-    std::string n = std::string(family) + "/" + impl + "/" + std::to_string(size);
-    if (needle) n += "/needle:" + std::to_string(needle);
-    return n;
 }
 
 void RegisterCharSearch() {

@@ -105,6 +105,72 @@ VKPCH_API vkpStatus vkpsFindC_Z_8u(const vkp8u* pSrcZ, vkp8u valFind, int* pInde
 VKPCH_API vkpStatus vkpsFindC_Z_16u(const vkp16u* pSrcZ, vkp16u valFind, int* pIndex);
 
 /* ---------------------------------------------------------------------------
+ * Character-set search
+ *
+ * *pIndex is the position of the first (Rev: last) unit of pSrc that equals
+ * any of the lenSet units of pSet, or -1. After the argument checks *pIndex
+ * is set to -1 before any unit is read; an empty string or set gives -1.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsFindCAny_8u(const vkp8u* pSrc, int len, const vkp8u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindCAny_16u(const vkp16u* pSrc, int len, const vkp16u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevCAny_8u(const vkp8u* pSrc, int len, const vkp8u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevCAny_16u(const vkp16u* pSrc, int len, const vkp16u* pSet, int lenSet, int* pIndex);
+
+/* ---------------------------------------------------------------------------
+ * Comparison and equality of two strings of the same length
+ *
+ * Compare: *pResult is pSrc1[i] - pSrc2[i] at the first differing unit (the
+ * difference itself, not its sign), or 0. CompareIgnoreCaseLatin folds A-Z
+ * (65..90) to a-z first, nothing else; CompareIgnoreCase_16u folds every unit
+ * to its simple lower-case mapping. Equal: *pResult is 1 or 0.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsCompare_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompare_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCase_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCaseLatin_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCaseLatin_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsEqual_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsEqual_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+
+/* ---------------------------------------------------------------------------
+ * Case conversion, out of place (len units to pDst) or in place (_I)
+ *
+ * Latin forms change only A-Z and a-z. The 16u forms without Latin apply the
+ * simple one-unit case mappings of the 16-bit range (no context, no
+ * expansion to several units).
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsLowercase_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercase_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercase_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercase_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_8u(const vkp8u* pSrc, vkp8u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_8u_I(vkp8u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_8u(const vkp8u* pSrc, vkp8u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_8u_I(vkp8u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_16u_I(vkp16u* pSrcDst, int len);
+
+/* ---------------------------------------------------------------------------
+ * Hashing (unsigned 32-bit arithmetic, wrapping)
+ *
+ * Hash:     h = 0;    h = (h << 1) ^ c for every unit.
+ * HashSJ2:  h = 0;    h = h * 31 + c for every unit.
+ * HashMSCS: h = 5381; h = (h * 33) ^ c for every unit before the first zero.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsHash_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHash_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashSJ2_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashSJ2_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashMSCS_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashMSCS_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+
+/* ---------------------------------------------------------------------------
  * Concatenation, joining and splitting
  *
  * The caller supplies a destination long enough for the result (the sum of

@@ -15,13 +15,6 @@
 namespace vkptest {
 namespace {
 
-std::vector<int> Lengths() {
-    std::vector<int> lens;
-    for (int n = 0; n <= 300; ++n) lens.push_back(n);
-    for (int n : {511, 512, 513, 1000, 4096 + 7, 65536 + 3}) lens.push_back(n);
-    return lens;
-}
-
 // Alphabets: (size, first unit). Small ones make many partial matches; the
 // high 16-bit bases catch sign and byte-order slips.
 template <class T>
@@ -39,33 +32,30 @@ TYPED_TEST(Search, SubstringMatchesReference) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     Rng rng(20261121);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            for (auto [alphabet, base] : Alphabets<T>()) {
-                const std::vector<T> s = RandomUnits<T>(rng, len, alphabet, base);
-                const T* src = srcBuf.fill(s.data(), s.size());
-                for (int m : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, len - 1, len, len + 1}) {
-                    if (m < 0) continue;
-                    std::vector<T> f;
-                    if (m <= len && len > 0 && rng() % 2) {
-                        const int at = RandomInt(rng, 0, len - m);
-                        f.assign(s.begin() + at, s.begin() + at + m);
-                    } else {
-                        f = RandomUnits<T>(rng, m, alphabet, base);
-                    }
-                    GuardedBuffer findBuf(m * sizeof(T), pl.guard, pl.slack);
-                    const T* pf = findBuf.fill(f.data(), f.size());
-                    int fwd = -2, rev = -2;
-                    ASSERT_EQ(Api::Find(src, len, pf, m, &fwd), VKP_OK);
-                    ASSERT_EQ(Api::FindRev(src, len, pf, m, &rev), VKP_OK);
-                    ASSERT_EQ(fwd, RefFind(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
-                    ASSERT_EQ(rev, RefFindRev(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        for (auto [alphabet, base] : Alphabets<T>()) {
+            const std::vector<T> s = RandomUnits<T>(rng, len, alphabet, base);
+            const T* src = srcBuf.fill(s.data(), s.size());
+            for (int m : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, len - 1, len, len + 1}) {
+                if (m < 0) continue;
+                std::vector<T> f;
+                if (m <= len && len > 0 && rng() % 2) {
+                    const int at = RandomInt(rng, 0, len - m);
+                    f.assign(s.begin() + at, s.begin() + at + m);
+                } else {
+                    f = RandomUnits<T>(rng, m, alphabet, base);
                 }
+                GuardedBuffer findBuf(m * sizeof(T), pl.guard, pl.slack);
+                const T* pf = findBuf.fill(f.data(), f.size());
+                int fwd = -2, rev = -2;
+                ASSERT_EQ(Api::Find(src, len, pf, m, &fwd), VKP_OK);
+                ASSERT_EQ(Api::FindRev(src, len, pf, m, &rev), VKP_OK);
+                ASSERT_EQ(fwd, RefFind(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
+                ASSERT_EQ(rev, RefFindRev(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
             }
         }
-    }
+    });
 }
 
 // A single occurrence at every position, and a second one behind it, so that
@@ -100,24 +90,21 @@ TYPED_TEST(Search, CharacterMatchesReference) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     Rng rng(99);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            for (auto [alphabet, base] : Alphabets<T>()) {
-                const std::vector<T> s = RandomUnits<T>(rng, len, alphabet + 2, base);
-                const T* src = srcBuf.fill(s.data(), s.size());
-                for (unsigned k = 0; k < alphabet + 3; ++k) {  // the last value never occurs
-                    const T v = T(base + k);
-                    int fwd = -2, rev = -2;
-                    ASSERT_EQ(Api::FindC(src, len, v, &fwd), VKP_OK);
-                    ASSERT_EQ(Api::FindRevC(src, len, v, &rev), VKP_OK);
-                    ASSERT_EQ(fwd, RefFindC(s, v)) << "len " << len << " value " << unsigned(v);
-                    ASSERT_EQ(rev, RefFindRevC(s, v)) << "len " << len << " value " << unsigned(v);
-                }
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        for (auto [alphabet, base] : Alphabets<T>()) {
+            const std::vector<T> s = RandomUnits<T>(rng, len, alphabet + 2, base);
+            const T* src = srcBuf.fill(s.data(), s.size());
+            for (unsigned k = 0; k < alphabet + 3; ++k) {  // the last value never occurs
+                const T v = T(base + k);
+                int fwd = -2, rev = -2;
+                ASSERT_EQ(Api::FindC(src, len, v, &fwd), VKP_OK);
+                ASSERT_EQ(Api::FindRevC(src, len, v, &rev), VKP_OK);
+                ASSERT_EQ(fwd, RefFindC(s, v)) << "len " << len << " value " << unsigned(v);
+                ASSERT_EQ(rev, RefFindRevC(s, v)) << "len " << len << " value " << unsigned(v);
             }
         }
-    }
+    });
 }
 
 // Exactly two occurrences, at every pair of positions in the first and last
