@@ -3,9 +3,8 @@
 #pragma once
 
 #include "frame/base.h"
-#include "kernels/substring_search.h"
+#include "kernels/active.h"
 #include "kernels/terminated_length.h"
-#include "kernels/unit_search.h"
 
 namespace vkp::search {
 
@@ -13,7 +12,7 @@ template <class T>
 Status Find(const T* src, int len, const T* find, int lenFind, int* pIndex) {
     if (!src || !find || !pIndex) return kErrNull;
     if (len < 0 || lenFind < 0) return kErrLength;
-    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::FindSubFwd(src, len, find, lenFind);
+    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::active::FindSubFwd(src, len, find, lenFind);
     return kOk;
 }
 
@@ -21,7 +20,7 @@ template <class T>
 Status FindRev(const T* src, int len, const T* find, int lenFind, int* pIndex) {
     if (!src || !find || !pIndex) return kErrNull;
     if (len < 0 || lenFind < 0) return kErrLength;
-    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::FindSubRev(src, len, find, lenFind);
+    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::active::FindSubRev(src, len, find, lenFind);
     return kOk;
 }
 
@@ -29,7 +28,7 @@ template <class T>
 Status FindC(const T* src, int len, T val, int* pIndex) {
     if (!src || !pIndex) return kErrNull;
     if (len < 0) return kErrLength;
-    *pIndex = kernels::FindUnitFwd(src, len, val);
+    *pIndex = kernels::active::FindUnitFwd(src, len, val);
     return kOk;
 }
 
@@ -37,7 +36,7 @@ template <class T>
 Status FindRevC(const T* src, int len, T val, int* pIndex) {
     if (!src || !pIndex) return kErrNull;
     if (len < 0) return kErrLength;
-    *pIndex = kernels::FindUnitRev(src, len, val);
+    *pIndex = kernels::active::FindUnitRev(src, len, val);
     return kOk;
 }
 
