@@ -1,7 +1,8 @@
 // Search for one code unit, forward and backward, in blocks of one vector
 // (16 bytes, or 32 with the wide width V).
 //
-// Forward: the first block is tested with an unaligned load; then the scan
+// Forward: the first block is tested with an unaligned load (and, for
+// strings of up to two blocks, the last one flush with the end); then the scan
 // moves to the next block boundary and tests eight aligned blocks per step
 // (folded into one test), then four, then single aligned blocks, and ends
 // with one unaligned block flush with the end of the string. Blocks that
@@ -121,6 +122,10 @@ VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
     const char* base = reinterpret_cast<const char*>(s);
     const char* end = base + size_t(len) * sizeof(T);
     if (uint32_t m = detail::BlockHits<V, T, false>(base, needle)) return LowestBit(m) / int(sizeof(T));
+    if (end - base <= 2 * B) {  // the rest within one block flush with the end
+        const uint32_t m = detail::BlockHits<V, T, false>(end - B, needle);
+        return m ? detail::UnitIndex<T>(base, end - B, LowestBit(m)) : -1;
+    }
     if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
         return detail::FindUnitFwdBlocks<V, T, false>(base, base + B, end, needle);
     const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
@@ -140,6 +145,10 @@ VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
     const char* end = base + size_t(len) * sizeof(T);
     if (uint32_t m = detail::BlockHits<V, T, false>(end - B, needle))
         return detail::UnitIndex<T>(base, end - B, HighestBit(m));
+    if (end - base <= 2 * B) {  // the rest within one block from the start
+        const uint32_t m = detail::BlockHits<V, T, false>(base, needle);
+        return m ? detail::UnitIndex<T>(base, base, HighestBit(m)) : -1;
+    }
     if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
         return detail::FindUnitRevBlocks<V, T, false>(base, end - B, needle);
     const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
