@@ -166,4 +166,17 @@ VKP_INLINE int FindSubRev(const T* s, int len, const T* f, int m) {
     return detail::VerifyHighest(s, 0, mask, f, m);
 }
 
+// As FindUnitFwdInto: the results stored through pIndex.
+template <class V, class T>
+VKP_INLINE Status FindSubFwdInto(const T* s, int len, const T* f, int m, int* pIndex) {
+    *pIndex = FindSubFwd<V>(s, len, f, m);
+    return kOk;
+}
+
+template <class V, class T>
+VKP_INLINE Status FindSubRevInto(const T* s, int len, const T* f, int m, int* pIndex) {
+    *pIndex = FindSubRev<V>(s, len, f, m);
+    return kOk;
+}
+
 }  // namespace vkp::kernels

@@ -113,8 +113,8 @@ int FindUnitRevBlocks(const char* base, const char* q, typename V::Reg needle) {
 // Index of the first unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
-    constexpr int B = V::kBytes;
-    if (len < Units<V, T>::kPerVector) {
+    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
+    if (VKP_UNLIKELY(len < kUnits)) {
         if constexpr (V::kHasNarrower) return FindUnitFwd<typename V::Narrower>(s, len, v);
         else return detail::ScalarFindUnitFwd(s, len, v);
     }
@@ -135,8 +135,8 @@ VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
 // Index of the last unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
-    constexpr int B = V::kBytes;
-    if (len < Units<V, T>::kPerVector) {
+    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
+    if (VKP_UNLIKELY(len < kUnits)) {
         if constexpr (V::kHasNarrower) return FindUnitRev<typename V::Narrower>(s, len, v);
         else return detail::ScalarFindUnitRev(s, len, v);
     }
@@ -153,6 +153,20 @@ VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
         return detail::FindUnitRevBlocks<V, T, false>(base, end - B, needle);
     const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
     return detail::FindUnitRevBlocks<V, T, true>(base, q, needle);
+}
+
+// The results stored through pIndex, with the status of a successful call:
+// the form in the kernel table, so that an entry point hands the call on whole.
+template <class V, class T>
+VKP_INLINE Status FindUnitFwdInto(const T* s, int len, T v, int* pIndex) {
+    *pIndex = FindUnitFwd<V>(s, len, v);
+    return kOk;
+}
+
+template <class V, class T>
+VKP_INLINE Status FindUnitRevInto(const T* s, int len, T v, int* pIndex) {
+    *pIndex = FindUnitRev<V>(s, len, v);
+    return kOk;
 }
 
 }  // namespace vkp::kernels
