@@ -108,51 +108,57 @@ int FindUnitRevBlocks(const char* base, const char* q, typename V::Reg needle) {
     return -1;
 }
 
+// The unit a hit mask of the block at `block` points to: the first hit
+// forward, the last backward.
+template <class T, bool kRev>
+VKP_INLINE int HitIndex(const char* base, const char* block, uint32_t m) {
+    return UnitIndex<T>(base, block, kRev ? HighestBit(m) : LowestBit(m));
+}
+
+// Both directions: short strings, the block at the starting end, strings of
+// up to two blocks (then the block at the other end), then the block scans.
+template <class V, class T, bool kRev>
+VKP_INLINE int FindUnit(const T* s, int len, T v) {
+    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
+    if (VKP_UNLIKELY(len < kUnits)) {
+        if constexpr (V::kHasNarrower) return FindUnit<typename V::Narrower, T, kRev>(s, len, v);
+        else if constexpr (kRev) return ScalarFindUnitRev(s, len, v);
+        else return ScalarFindUnitFwd(s, len, v);
+    }
+    const typename V::Reg needle = Units<V, T>::Splat(v);
+    const char* base = reinterpret_cast<const char*>(s);
+    const char* end = base + size_t(len) * sizeof(T);
+    const char* first = kRev ? end - B : base;
+    const char* other = kRev ? base : end - B;
+    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return HitIndex<T, kRev>(base, first, m);
+    if (end - base <= 2 * B) {
+        const uint32_t m = BlockHits<V, T, false>(other, needle);
+        return m ? HitIndex<T, kRev>(base, other, m) : -1;
+    }
+    const bool odd = reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0;
+    if constexpr (kRev) {
+        if (odd) return FindUnitRevBlocks<V, T, false>(base, end - B, needle);
+        const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
+        return FindUnitRevBlocks<V, T, true>(base, q, needle);
+    } else {
+        if (odd) return FindUnitFwdBlocks<V, T, false>(base, base + B, end, needle);
+        const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
+        return FindUnitFwdBlocks<V, T, true>(base, p, end, needle);
+    }
+}
+
 }  // namespace detail
 
 // Index of the first unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
-    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
-    if (VKP_UNLIKELY(len < kUnits)) {
-        if constexpr (V::kHasNarrower) return FindUnitFwd<typename V::Narrower>(s, len, v);
-        else return detail::ScalarFindUnitFwd(s, len, v);
-    }
-    const typename V::Reg needle = Units<V, T>::Splat(v);
-    const char* base = reinterpret_cast<const char*>(s);
-    const char* end = base + size_t(len) * sizeof(T);
-    if (uint32_t m = detail::BlockHits<V, T, false>(base, needle)) return LowestBit(m) / int(sizeof(T));
-    if (end - base <= 2 * B) {  // the rest within one block flush with the end
-        const uint32_t m = detail::BlockHits<V, T, false>(end - B, needle);
-        return m ? detail::UnitIndex<T>(base, end - B, LowestBit(m)) : -1;
-    }
-    if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
-        return detail::FindUnitFwdBlocks<V, T, false>(base, base + B, end, needle);
-    const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
-    return detail::FindUnitFwdBlocks<V, T, true>(base, p, end, needle);
+    return detail::FindUnit<V, T, false>(s, len, v);
 }
 
 // Index of the last unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
-    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
-    if (VKP_UNLIKELY(len < kUnits)) {
-        if constexpr (V::kHasNarrower) return FindUnitRev<typename V::Narrower>(s, len, v);
-        else return detail::ScalarFindUnitRev(s, len, v);
-    }
-    const typename V::Reg needle = Units<V, T>::Splat(v);
-    const char* base = reinterpret_cast<const char*>(s);
-    const char* end = base + size_t(len) * sizeof(T);
-    if (uint32_t m = detail::BlockHits<V, T, false>(end - B, needle))
-        return detail::UnitIndex<T>(base, end - B, HighestBit(m));
-    if (end - base <= 2 * B) {  // the rest within one block from the start
-        const uint32_t m = detail::BlockHits<V, T, false>(base, needle);
-        return m ? detail::UnitIndex<T>(base, base, HighestBit(m)) : -1;
-    }
-    if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
-        return detail::FindUnitRevBlocks<V, T, false>(base, end - B, needle);
-    const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
-    return detail::FindUnitRevBlocks<V, T, true>(base, q, needle);
+    return detail::FindUnit<V, T, true>(s, len, v);
 }
 
 // The results stored through pIndex, with the status of a successful call:
