@@ -75,11 +75,17 @@ VKP_INLINE bool AnyHit(const char* p, typename V::Reg needle) {
 
 // Forward scan of [p, end) after the first block; kAligned: p is aligned to
 // the block size. The wide steps only detect a hit; the one-block step then
-// locates it, within the group the wide step stopped at.
+// locates it, within the group the wide step stopped at. The block scans stay
+// out of line and take the unit, not a vector, so that the short-string paths
+// of their callers need no stack frame.
 template <class V, class T, bool kAligned>
-int FindUnitFwdBlocks(const char* base, const char* p, const char* end, typename V::Reg needle) {
+__attribute__((noinline)) int FindUnitFwdBlocks(const char* base, const char* p, const char* end, T v) {
     constexpr int B = V::kBytes;
+    const typename V::Reg needle = Units<V, T>::Splat(v);
     for (size_t n = size_t(end - p) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(p, needle); --n) p += 8 * B;
+    // Less than a wide step left and the string that long: one wide test
+    // flush with the end settles the rest when it holds no hit.
+    if (end - p < 8 * B && end - base >= 8 * B && !AnyHit<V, T, false, 8>(end - 8 * B, needle)) return -1;
     if (end - p >= 4 * B && !AnyHit<V, T, kAligned, 4>(p, needle)) p += 4 * B;
     while (end - p >= B) {
         if (uint32_t m = BlockHits<V, T, kAligned>(p, needle)) return UnitIndex<T>(base, p, LowestBit(m));
@@ -91,12 +97,14 @@ int FindUnitFwdBlocks(const char* base, const char* p, const char* end, typename
     return -1;
 }
 
-// Backward scan of [base, q) after the last block; kAligned: q is aligned
-// to the block size.
+// Backward scan of [base, q) after the last block (the string ends at end);
+// kAligned: q is aligned to the block size.
 template <class V, class T, bool kAligned>
-int FindUnitRevBlocks(const char* base, const char* q, typename V::Reg needle) {
+__attribute__((noinline)) int FindUnitRevBlocks(const char* base, const char* q, const char* end, T v) {
     constexpr int B = V::kBytes;
+    const typename V::Reg needle = Units<V, T>::Splat(v);
     for (size_t n = size_t(q - base) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(q - 8 * B, needle); --n) q -= 8 * B;
+    if (q - base < 8 * B && end - base >= 8 * B && !AnyHit<V, T, false, 8>(base, needle)) return -1;
     if (q - base >= 4 * B && !AnyHit<V, T, kAligned, 4>(q - 4 * B, needle)) q -= 4 * B;
     while (q - base >= B) {
         if (uint32_t m = BlockHits<V, T, kAligned>(q - B, needle)) return UnitIndex<T>(base, q - B, HighestBit(m));
@@ -137,13 +145,13 @@ VKP_INLINE int FindUnit(const T* s, int len, T v) {
     }
     const bool odd = reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0;
     if constexpr (kRev) {
-        if (odd) return FindUnitRevBlocks<V, T, false>(base, end - B, needle);
+        if (odd) return FindUnitRevBlocks<V, T, false>(base, end - B, end, v);
         const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
-        return FindUnitRevBlocks<V, T, true>(base, q, needle);
+        return FindUnitRevBlocks<V, T, true>(base, q, end, v);
     } else {
-        if (odd) return FindUnitFwdBlocks<V, T, false>(base, base + B, end, needle);
+        if (odd) return FindUnitFwdBlocks<V, T, false>(base, base + B, end, v);
         const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
-        return FindUnitFwdBlocks<V, T, true>(base, p, end, needle);
+        return FindUnitFwdBlocks<V, T, true>(base, p, end, v);
     }
 }
 
