@@ -4,9 +4,9 @@
 // vector: 16 bytes, or 32 with the wide width V): it compares the units at
 // those positions with the needle's first unit and the units m - 1 further
 // on with its last unit, and verifies the middle only where both agree. A
-// single block follows when fewer than two remain. The final partial block is taken flush with the last candidate
-// position, with the positions already tested masked off, so that no load
-// reaches past the string. Strings with fewer candidates than one block go
+// single block follows when fewer than two remain. The final partial block
+// is taken flush with the last candidate position, with the positions
+// already tested masked off, so that no load reaches past the string. Strings with fewer candidates than one block go
 // to the next narrower width, and below 16 bytes are scanned unit by unit
 // with the same first/last filter.
 #pragma once

@@ -4,9 +4,11 @@
 // Forward: the first block is tested with an unaligned load (and, for
 // strings of up to two blocks, the last one flush with the end); then the scan
 // moves to the next block boundary and tests eight aligned blocks per step
-// (folded into one test), then four, then single aligned blocks, and ends
-// with one unaligned block flush with the end of the string. Blocks that
-// overlap bytes already tested are harmless: those bytes held no hit.
+// (folded into one test). Less than eight blocks from the end, eight
+// unaligned blocks flush with the end are tested at once (when the string is
+// that long) and, without a hit, end the scan; otherwise four, then single
+// aligned blocks follow, and one unaligned block flush with the end. Blocks
+// that overlap bytes already tested are harmless: those bytes held no hit.
 // Backward is the mirror image. Nothing outside [src, src + len) is read.
 // A 16u string at an odd address is scanned with unaligned loads throughout.
 // A string shorter than one block goes to the next narrower width, and below
