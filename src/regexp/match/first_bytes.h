@@ -29,11 +29,18 @@ struct ByteSet {
 // this analysis does not follow).
 bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set);
 
+// The same for the single item at i, and for the sequence [from, to) of
+// one alternative (true when it must consume a character before its end),
+// under `options`; bytes are added to *set.
+bool ItemFirstBytes(const Instruction* program, int i, u32 options, ByteSet* set);
+bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 options, ByteSet* set);
+
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kAscii, kAny };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kAscii, kAny };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
+    u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
     ByteSet set{};
 };
 

@@ -62,6 +62,22 @@ int FindFoldedRev(const u8* s, int len, u8 lower) {
     return -1;
 }
 
+int FindAnyOf4(const u8* s, int len, const u8 bytes[4]) {
+    const __m128i b0 = _mm_set1_epi8(static_cast<char>(bytes[0])), b1 = _mm_set1_epi8(static_cast<char>(bytes[1]));
+    const __m128i b2 = _mm_set1_epi8(static_cast<char>(bytes[2])), b3 = _mm_set1_epi8(static_cast<char>(bytes[3]));
+    int i = 0;
+    for (; i + 16 <= len; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i hit = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(x, b0), _mm_cmpeq_epi8(x, b1)),
+                                         _mm_or_si128(_mm_cmpeq_epi8(x, b2), _mm_cmpeq_epi8(x, b3)));
+        const int hits = _mm_movemask_epi8(hit);
+        if (hits) return i + __builtin_ctz(static_cast<unsigned>(hits));
+    }
+    for (; i < len; ++i)
+        if (s[i] == bytes[0] || s[i] == bytes[1] || s[i] == bytes[2] || s[i] == bytes[3]) return i;
+    return -1;
+}
+
 namespace {
 
 bool IsLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }

@@ -16,4 +16,7 @@ int FindLiteralRev(const u8* s, int len, const u8* lit, int n, bool caseless);
 int FindFolded(const u8* s, int len, u8 lower);
 int FindFoldedRev(const u8* s, int len, u8 lower);
 
+// First index i below len at which s[i] is one of the four bytes, or -1.
+int FindAnyOf4(const u8* s, int len, const u8 bytes[4]);
+
 }  // namespace vkp::regexp

@@ -59,7 +59,25 @@ struct MatchContext {
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
     const struct StartFilter* startFilter;  // bytes a match can begin with, or null
+    // From the program's analysis (analysis.h): a bit per repeat record
+    // whose item needs no backtracking (or null), and the repeat of a
+    // leading run with where it ended in the current attempt (or null).
+    const u8* possessive;
+    const Instruction* leadRepeat;
+    const u8* leadRunEnd;
 };
+
+constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
+
+// Shortens the backtracking of a greedy repeat (its record just before
+// `next`) that ran to p, when the analysis says shorter runs cannot help.
+VKP_INLINE void LimitBacktrack(const u8* p, const u8** lowest, MatchContext* ctx, const Instruction* next) {
+    if (!ctx->possessive) return;
+    const long r = next - 1 - ctx->program;
+    if (r < 0 || r >= kPossessiveBits || !((ctx->possessive[r >> 3] >> (r & 7)) & 1)) return;
+    *lowest = p;
+    if (next - 1 == ctx->leadRepeat) ctx->leadRunEnd = p;
+}
 
 enum : u32 {
     kOptDotAll = 1,

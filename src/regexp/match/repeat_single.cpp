@@ -38,6 +38,7 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
+    LimitBacktrack(p, &lowest, ctx, next);
     for (;; p -= step) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
@@ -49,6 +50,7 @@ VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchCon
 VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
+    LimitBacktrack(p, &lowest, ctx, next);
     for (;;) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
