@@ -135,6 +135,16 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     // Start positions whose byte cannot begin a match are passed over.
     if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
+    // A program of one alternative that begins with a literal of two bytes
+    // or more, which no repeat follows: every match begins with it, so the
+    // search goes from one occurrence to the next.
+    if (a->filter.mode != StartFilter::kNone && firstBar == count && program[0].op == OP_STRING &&
+        program[0].b >= 2 && !(count > 1 && vkp::IsRepeat(program[1].op))) {
+        a->filter.mode = StartFilter::kLiteral;
+        a->filter.literal = static_cast<const u8*>(program[0].d);
+        a->filter.literalLength = program[0].b;
+        a->filter.caseless = ((options | static_cast<u32>(program[0].c)) & kOptIgnoreCase) != 0;
+    }
     if (firstBar == count) FindRequiredByte(program, count, options, a);
     MarkPossessive(program, 0, count, 0, options, 0, a);
     // A leading unlimited greedy run marked above: an attempt that fails

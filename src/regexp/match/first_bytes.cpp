@@ -198,6 +198,11 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             const int i = FindFolded(pos, len, f.byte);
             return i < 0 ? nullptr : pos + i;
         }
+        case StartFilter::kLiteral: {
+            if (f.literal[0] >= 128 && format == 1) break;  // the byte scan keeps to character starts
+            const int i = FindLiteral(pos, len, f.literal, f.literalLength, f.caseless != 0);
+            return i < 0 ? nullptr : pos + i;
+        }
         case StartFilter::kFew: {
             const int i = FindAnyOf4(pos, len, f.few);
             return i < 0 ? nullptr : pos + i;

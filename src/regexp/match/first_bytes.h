@@ -37,10 +37,13 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kAscii, kAny };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kAscii, kAny };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
+    u8 caseless = 0;  // kLiteral: a to z compare as A to Z
+    int literalLength = 0;
+    const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
     ByteSet set{};
 };
 
