@@ -83,6 +83,16 @@ void MarkPossessive(const Instruction* prog, int from, int to, int link, u32 opt
     }
 }
 
+// Back-references and conditions read capture records, which a failed
+// path inside an attempt may leave set.
+bool ReadsCaptures(const Instruction* prog, int count) {
+    for (int i = 0; i < count; ++i) {
+        if (prog[i].op == OP_BACKREF || prog[i].op == OP_COND) return true;
+        if (prog[i].op == OP_CLASS && prog[i].b > 0) i += prog[i].b;
+    }
+    return false;
+}
+
 bool IsLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
 
 // A byte of a literal that every match holds: one of the top-level
@@ -147,14 +157,16 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     if (firstBar == count) FindRequiredByte(program, count, options, a);
     MarkPossessive(program, 0, count, 0, options, 0, a);
-    // A leading unlimited greedy run marked above: an attempt that fails
-    // after it has run to p fails at every start before p as well, where
-    // the run ends at p too and the rest of the program sees the same state.
-    if (count > 1 && firstBar == count && a->anchorMode == 0 && program[0].op != OP_ANCHOR) {
+    // A leading unlimited greedy run of one item: an attempt at s that ran
+    // to e and failed has tried the rest of the program at every position
+    // from s + min to e, each time in the same state (nothing before the
+    // run sets any). From a start inside the run the run ends at e too and
+    // the rest would be tried at some of the same positions: the search
+    // goes on at e.
+    if (count > 1 && firstBar == count && a->anchorMode == 0 && !ReadsCaptures(program, count) &&
+        (IsSingleItem(program[0].op) || program[0].op == OP_CLASS)) {
         const int r = NextItem(program, 0);
-        if (r < count && r < kPossessiveBits && program[r].op == OP_GREEDY_REPEAT &&
-            program[r].b == kRepeatUnlimited && ((a->possessive[r >> 3] >> (r & 7)) & 1))
-            a->leadRepeat = r;
+        if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     return FillGroupTable(program, count, groups);
 }

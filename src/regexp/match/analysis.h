@@ -23,7 +23,7 @@ struct Analysis {
     int requiredByte;      // a byte every match holds, or -1
     u8 requiredCaseless;   // ... in either case: a lower-case letter
     u8 anyPossessive;      // some bit of `possessive` is set
-    int leadRepeat;        // repeat record of a leading run (LeadRepeat), or -1
+    int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
     StartFilter filter;    // kNone when anchored or unknown
     // Greedy repeats of one item whose continuation cannot begin with
     // anything the item matches: a shorter run can never help, so the

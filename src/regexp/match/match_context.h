@@ -69,14 +69,16 @@ struct MatchContext {
 
 constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
 
-// Shortens the backtracking of a greedy repeat (its record just before
-// `next`) that ran to p, when the analysis says shorter runs cannot help.
+// Called by a greedy repeat (its record just before `next`) that ran to p
+// before it tries its continuation there and at shorter runs: notes where a
+// leading run ended, and shortens the backtracking when the analysis says
+// shorter runs cannot help.
 VKP_INLINE void LimitBacktrack(const u8* p, const u8** lowest, MatchContext* ctx, const Instruction* next) {
+    if (next - 1 == ctx->leadRepeat) ctx->leadRunEnd = p;
     if (!ctx->possessive) return;
     const long r = next - 1 - ctx->program;
     if (r < 0 || r >= kPossessiveBits || !((ctx->possessive[r >> 3] >> (r & 7)) & 1)) return;
     *lowest = p;
-    if (next - 1 == ctx->leadRepeat) ctx->leadRunEnd = p;
 }
 
 enum : u32 {

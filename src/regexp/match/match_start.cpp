@@ -41,7 +41,7 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
         }
         if (anchorMode == 2 || pos >= end) break;
         // A leading run that ended at leadRunEnd failed: so do the starts
-        // inside it (see analysis.h).
+        // inside it (see analysis.cpp).
         if (ctx->leadRunEnd > pos) {
             pos = ctx->leadRunEnd;
             continue;
