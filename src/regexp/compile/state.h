@@ -37,7 +37,7 @@ constexpr int kWorkSecondPart = 16000;
 // Its first word is a stamp that the compiler clears; the analysis is kept
 // only when the group table ends below it, else it is worked out per
 // search and the stamp cleared after it.
-constexpr int kAnalysisBytes = 1024;
+constexpr int kAnalysisBytes = 2048;
 constexpr int kAnalysisOffset = kWorkFirstPart - kAnalysisBytes;
 
 VKP_INLINE void ClearAnalysisStamp(RegExpState* s) { __builtin_memset(s->workArea + kAnalysisOffset, 0, 4); }

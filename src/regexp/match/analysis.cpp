@@ -2,6 +2,8 @@
 // block and kept in its work area.
 #include "regexp/match/analysis.h"
 
+#include "regexp/match/items.h"
+
 namespace vkp::regexp {
 
 namespace {
@@ -45,12 +47,24 @@ bool Disjoint(const ByteSet& x, const ByteSet& y) {
     return common == 0;
 }
 
-// Marks the greedy single-item repeats of the alternatives of [from, to)
-// (bars with a == link) whose continuation within the alternative must
-// begin with a byte the item can never begin with: at every shorter run
-// the next character is one the item matched, so the continuation cannot
-// start there.
-void MarkPossessive(const Instruction* prog, int from, int to, int link, u32 options, int depth, Analysis* a) {
+// Keeps the ASCII members of the class at i under `options`, when its
+// slot is free.
+void KeepClass(const Instruction* prog, int i, u32 options, Analysis* a) {
+    ClassBits& k = a->classes[ClassSlot(&prog[i])];
+    if (k.cls) return;
+    k.cls = &prog[i];
+    k.options = options;
+    for (int c = 0; c < 128; ++c)
+        if (ClassContains(&prog[i], c, options)) k.bits[c >> 5] |= u32(1) << (c & 31);
+    a->anyClass = 1;
+}
+
+// Walks the alternatives of [from, to) (bars with a == link): keeps the
+// ASCII members of repeated classes, and marks the greedy single-item
+// repeats whose continuation within the alternative must begin with a byte
+// the item can never begin with: at every shorter run the next character
+// is one the item matched, so the continuation cannot start there.
+void MarkItems(const Instruction* prog, int from, int to, int link, u32 options, int depth, Analysis* a) {
     for (int i = from; i < to;) {
         const Instruction& ins = prog[i];
         if (ins.op == OP_ALT && ins.a == link) {
@@ -61,10 +75,11 @@ void MarkPossessive(const Instruction* prog, int from, int to, int link, u32 opt
         if (ins.op == OP_SETFLAGS) options = static_cast<u32>(ins.a);
         const int next = NextItem(prog, i);
         if (next > to) return;  // malformed: nothing more is marked
+        if (ins.op == OP_CLASS && next < to && vkp::IsRepeat(prog[next].op)) KeepClass(prog, i, options, a);
         if (IsOpener(ins.op)) {
             if (depth < kMaxWalkDepth) {
                 const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : options;
-                MarkPossessive(prog, i + 1, next - 1, ins.a, inner, depth + 1, a);
+                MarkItems(prog, i + 1, next - 1, ins.a, inner, depth + 1, a);
             }
             options = static_cast<u32>(prog[next - 1].b);  // as the OP_KET restores them
         } else if (next < to && prog[next].op == OP_GREEDY_REPEAT && next < kPossessiveBits &&
@@ -131,9 +146,10 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
             firstBar = i;
             break;
         }
-    // Anchoring.
+    // Anchoring. After the first alternative the search for the next one
+    // starts at the first top-level bar.
+    a->firstAlternative = firstBar;
     if (count > 0 && program[0].op == OP_ANCHOR) {
-        a->firstAlternative = firstBar;
         if (firstBar == count) {
             const int c = program[0].a;
             if (c == 'A' || c == 'G') a->anchorMode = 2;
@@ -156,7 +172,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         a->filter.caseless = ((options | static_cast<u32>(program[0].c)) & kOptIgnoreCase) != 0;
     }
     if (firstBar == count) FindRequiredByte(program, count, options, a);
-    MarkPossessive(program, 0, count, 0, options, 0, a);
+    MarkItems(program, 0, count, 0, options, 0, a);
     // A leading unlimited greedy run of one item: an attempt at s that ran
     // to e and failed has tried the rest of the program at every position
     // from s + min to e, each time in the same state (nothing before the

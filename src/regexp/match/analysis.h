@@ -1,6 +1,6 @@
 // What the find driver works out from the program alone: anchoring, the
 // bytes a match can begin with, a byte every match holds, the repeats that
-// need no backtracking and the group table. Worked out on the first search
+// need no backtracking, the ASCII members of classes and the group table. Worked out on the first search
 // of a compiled block and kept in its work area (see state.h) for the
 // searches that follow.
 #pragma once
@@ -30,6 +30,8 @@ struct Analysis {
     // matcher tries the continuation at the longest run only. Indexed by
     // the repeat record.
     u8 possessive[kPossessiveBits / 8];
+    ClassBits classes[kClassSlots];  // ASCII members of classes, for the matcher
+    u8 anyClass;           // some slot of `classes` is used
 };
 static_assert(sizeof(Analysis) <= kAnalysisBytes);
 

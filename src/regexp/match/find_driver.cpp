@@ -122,6 +122,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
     ctx.possessive = an.anyPossessive ? an.possessive : nullptr;
     ctx.leadRepeat = an.leadRepeat >= 0 ? program + an.leadRepeat : nullptr;
     ctx.leadRunEnd = nullptr;
+    ctx.classBits = an.anyClass ? an.classes : nullptr;
     ctx.end = program + count;
     ctx.options = options;
     ctx.notEmpty = 0;

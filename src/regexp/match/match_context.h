@@ -39,6 +39,20 @@ struct GroupEntry {
 static_assert(sizeof(GroupEntry) == 32);
 static_assert(kMaxGroupIds * sizeof(GroupEntry) <= kWorkFirstPart);
 
+// ASCII members of a class under the options it runs with, worked out
+// once per program (analysis.h), in the slot ClassSlot picks for it.
+struct ClassBits {
+    const Instruction* cls;  // null: slot unused
+    u32 options;
+    u32 bits[4];
+};
+constexpr int kClassSlots = 16;
+
+// Records are 24 bytes apart: 16 records in a row take 16 slots.
+VKP_INLINE int ClassSlot(const Instruction* cls) {
+    return static_cast<int>((reinterpret_cast<unsigned long long>(cls) >> 3) & (kClassSlots - 1));
+}
+
 struct MatchContext {
     const Instruction* end;         // reaching it completes the (sub-)program
     u32 options;                    // option bits in force
@@ -65,7 +79,17 @@ struct MatchContext {
     const u8* possessive;
     const Instruction* leadRepeat;
     const u8* leadRunEnd;
+    const ClassBits* classBits;     // kClassSlots slots, or null
 };
+
+// Whether a class takes the ASCII byte c, when the analysis knows: 1 or 0,
+// else -1.
+VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, u8 c) {
+    if (!ctx->classBits || c >= 0x80) return -1;
+    const ClassBits& k = ctx->classBits[ClassSlot(cls)];
+    if (k.cls != cls || k.options != ctx->options) return -1;
+    return (k.bits[c >> 5] >> (c & 31)) & 1;
+}
 
 constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
 

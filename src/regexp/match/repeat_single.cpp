@@ -176,7 +176,8 @@ struct TypeItem {
 struct ClassItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + ip->b + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
-        return ClassLength(p, ctx->subjectEnd, ip, ctx->options);
+        const int known = CachedClassTest(ctx, ip, *p);
+        return known >= 0 ? known : ClassLength(p, ctx->subjectEnd, ip, ctx->options);
     }
 };
 struct PropertyItem {
