@@ -179,6 +179,8 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
         for (; k < 4; ++k) f.few[k] = f.few[k - 1];
     } else if (n < 256) {
         f.mode = ascii ? StartFilter::kAscii : StartFilter::kAny;
+        for (int b = 0; b < 128; ++b)
+            if (f.set.Has(static_cast<u8>(b))) f.nibbles.low[b & 15] |= static_cast<u8>(1u << (b >> 4));
     }
     return f;
 }
@@ -207,10 +209,10 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             const int i = FindAnyOf4(pos, len, f.few);
             return i < 0 ? nullptr : pos + i;
         }
-        case StartFilter::kAscii:
-            for (; pos < end; ++pos)
-                if (f.set.Has(*pos)) return pos;
-            return nullptr;
+        case StartFilter::kAscii: {
+            const int i = FindInNibbleSet(pos, len, f.nibbles);
+            return i < 0 ? nullptr : pos + i;
+        }
         default: break;
     }
     for (; pos < end; pos += format == 1 ? CharLength(pos, end) : 1)

@@ -5,6 +5,7 @@
 
 #include "frame/base.h"
 #include "regexp/compile/program.h"
+#include "regexp/match/literal_scan.h"
 
 namespace vkp::regexp {
 
@@ -44,6 +45,7 @@ struct StartFilter {
     u8 caseless = 0;  // kLiteral: a to z compare as A to Z
     int literalLength = 0;
     const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
+    NibbleSet nibbles{};  // kAscii: the set for the vector search
     ByteSet set{};
 };
 
