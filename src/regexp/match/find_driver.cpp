@@ -198,9 +198,10 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
 
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
                    const char* stackFloor) {
-    Analysis local;
+    // Room for an analysis that cannot be kept, written only then.
+    alignas(Analysis) u8 local[sizeof(Analysis)];
     bool kept;
-    const Analysis* an = AnalysisFor(state, &local, &kept);
+    const Analysis* an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
     const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor);
     if (!kept) ClearAnalysisStamp(state);
     return s;
