@@ -133,6 +133,28 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
     }
 }
 
+// A leading run marked possessive whose continuation begins with a byte
+// every match holds, outside the run's bytes, all of them ASCII: a match
+// starts where the run before an occurrence of that byte starts (starts
+// inside the run give the same continuation, starts before it cannot reach
+// the byte). The search goes from one occurrence to the next.
+void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* a) {
+    const int r = a->leadRepeat;
+    const int f = r + 1;
+    if (r >= kPossessiveBits || !((a->possessive[r >> 3] >> (r & 7)) & 1) || f >= count) return;
+    if (prog[f].op != OP_CHAR && !(prog[f].op == OP_STRING && prog[f].b > 0)) return;
+    if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op) && prog[f + 1].a == 0) return;
+    const u8 b = prog[f].op == OP_CHAR ? static_cast<u8>(prog[f].a) : static_cast<const u8*>(prog[f].d)[0];
+    if (b >= 128 || (((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) && IsLetter(b))) return;
+    ByteSet run{};
+    if (!ItemFirstBytes(prog, 0, options, &run) || run.Has(b)) return;
+    for (int k = 4; k < 8; ++k)
+        if (run.bits[k]) return;
+    a->filter.mode = StartFilter::kRunBefore;
+    a->filter.byte = b;
+    a->filter.run = run;
+}
+
 }  // namespace
 
 int Analyze(const Instruction* program, int count, u32 options, GroupEntry* groups, Analysis* a) {
@@ -184,6 +206,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         const int r = NextItem(program, 0);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
+    if (a->leadRepeat >= 0 && a->filter.mode != StartFilter::kNone) FilterRunBefore(program, count, options, a);
     return FillGroupTable(program, count, groups);
 }
 

@@ -38,7 +38,7 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kAscii, kAny };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
@@ -46,6 +46,10 @@ struct StartFilter {
     int literalLength = 0;
     const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
     NibbleSet nibbles{};  // kAscii: the set for the vector search
+    // kRunBefore: every match begins with a run of bytes of `run` (ASCII
+    // only) that `byte` ends; the search goes from one `byte` back to the
+    // start of the run before it.
+    ByteSet run{};
     ByteSet set{};
 };
 
