@@ -183,11 +183,12 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     // Start positions whose byte cannot begin a match are passed over.
     if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
+    a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
+                     !(count > 1 && vkp::IsRepeat(program[1].op));
     // A program of one alternative that begins with a literal of two bytes
     // or more, which no repeat follows: every match begins with it, so the
     // search goes from one occurrence to the next.
-    if (a->filter.mode != StartFilter::kNone && firstBar == count && program[0].op == OP_STRING &&
-        program[0].b >= 2 && !(count > 1 && vkp::IsRepeat(program[1].op))) {
+    if (a->filter.mode != StartFilter::kNone && a->leadLiteral && program[0].op == OP_STRING && program[0].b >= 2) {
         a->filter.mode = StartFilter::kLiteral;
         a->filter.literal = static_cast<const u8*>(program[0].d);
         a->filter.literalLength = program[0].b;

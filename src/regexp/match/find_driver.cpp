@@ -94,15 +94,19 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
 
     // 3. A leading literal: start at its first occurrence, also when a lazy
     // repeat makes it optional (kind 1 says so); when the literal does not
-    // occur the full search runs.
+    // occur the full search runs, unless every match begins with it.
     const u8* start = src;
     if (state->patternKind == 1 && count > 0) {
         const Literal lit = LiteralOf(program[0]);
         if (lit.length > 0) {
-            const int i = FindLiteral(src, effLen, lit.bytes, lit.length, (program[0].c & kOptIgnoreCase) != 0);
+            const bool caseless = (program[0].c & kOptIgnoreCase) != 0;
+            const int i = FindLiteral(src, effLen, lit.bytes, lit.length, caseless);
             if (i > 0) {
                 start = src + i;
                 effLen -= i;
+            } else if (i < 0 && an.leadLiteral && (caseless || !(options & kOptIgnoreCase))) {
+                *numMatches = 0;
+                return kOk;
             }
         }
     }
