@@ -208,6 +208,13 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     if (a->leadRepeat >= 0 && a->filter.mode != StartFilter::kNone) FilterRunBefore(program, count, options, a);
+    // A required byte that the start filter searches for already adds a
+    // second scan and nothing else.
+    const StartFilter& f = a->filter;
+    const int filterByte = f.mode == StartFilter::kByte || f.mode == StartFilter::kRunBefore ? f.byte
+                           : f.mode == StartFilter::kLiteral && !f.caseless                  ? f.literal[0]
+                                                                                            : -1;
+    if (!a->requiredCaseless && a->requiredByte == filterByte) a->requiredByte = -1;
     return FillGroupTable(program, count, groups);
 }
 

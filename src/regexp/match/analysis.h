@@ -6,8 +6,8 @@
 #pragma once
 
 #include "regexp/compile/state.h"
+#include "regexp/match/analysis_hooks.h"
 #include "regexp/match/first_bytes.h"
-#include "regexp/match/match_context.h"
 
 namespace vkp::regexp {
 

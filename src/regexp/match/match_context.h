@@ -39,20 +39,6 @@ struct GroupEntry {
 static_assert(sizeof(GroupEntry) == 32);
 static_assert(kMaxGroupIds * sizeof(GroupEntry) <= kWorkFirstPart);
 
-// ASCII members of a class under the options it runs with, worked out
-// once per program (analysis.h), in the slot ClassSlot picks for it.
-struct ClassBits {
-    const Instruction* cls;  // null: slot unused
-    u32 options;
-    u32 bits[4];
-};
-constexpr int kClassSlots = 16;
-
-// Records are 24 bytes apart: 16 records in a row take 16 slots.
-VKP_INLINE int ClassSlot(const Instruction* cls) {
-    return static_cast<int>((reinterpret_cast<unsigned long long>(cls) >> 3) & (kClassSlots - 1));
-}
-
 struct MatchContext {
     const Instruction* end;         // reaching it completes the (sub-)program
     u32 options;                    // option bits in force
@@ -73,37 +59,14 @@ struct MatchContext {
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
     const struct StartFilter* startFilter;  // bytes a match can begin with, or null
-    // From the program's analysis (analysis.h): a bit per repeat record
+    // From the program's analysis (analysis_hooks.h): a bit per repeat record
     // whose item needs no backtracking (or null), and the repeat of a
     // leading run with where it ended in the current attempt (or null).
     const u8* possessive;
     const Instruction* leadRepeat;
     const u8* leadRunEnd;
-    const ClassBits* classBits;     // kClassSlots slots, or null
+    const struct ClassBits* classBits;  // kClassSlots slots, or null
 };
-
-// Whether a class takes the ASCII byte c, when the analysis knows: 1 or 0,
-// else -1.
-VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, u8 c) {
-    if (!ctx->classBits || c >= 0x80) return -1;
-    const ClassBits& k = ctx->classBits[ClassSlot(cls)];
-    if (k.cls != cls || k.options != ctx->options) return -1;
-    return (k.bits[c >> 5] >> (c & 31)) & 1;
-}
-
-constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
-
-// Called by a greedy repeat (its record just before `next`) that ran to p
-// before it tries its continuation there and at shorter runs: notes where a
-// leading run ended, and shortens the backtracking when the analysis says
-// shorter runs cannot help.
-VKP_INLINE void LimitBacktrack(const u8* p, const u8** lowest, MatchContext* ctx, const Instruction* next) {
-    if (next - 1 == ctx->leadRepeat) ctx->leadRunEnd = p;
-    if (!ctx->possessive) return;
-    const long r = next - 1 - ctx->program;
-    if (r < 0 || r >= kPossessiveBits || !((ctx->possessive[r >> 3] >> (r & 7)) & 1)) return;
-    *lowest = p;
-}
 
 enum : u32 {
     kOptDotAll = 1,

@@ -12,6 +12,7 @@
 // and the 32-byte argument home area per level).
 #include <string.h>
 
+#include "regexp/match/analysis_hooks.h"
 #include "regexp/match/items.h"
 
 namespace vkp::regexp {
