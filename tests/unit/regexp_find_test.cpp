@@ -128,6 +128,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"[ab]+b", "(?:[ab])+(?:b)"},
         {"a+Ab", "(?:a)+(?:Ab)"},
         {"\\w+1_?", "(?:\\w)+(?:1)_?"},
+        {"[ab]{1,3}?ab", "(?:[ab]){1,3}?(?:ab)"},  // a run before a literal, lazy and bounded
+        {"\\w{2,}1b", "(?:\\w){2,}(?:1b)"},
         {"[ab_]*c", "(?:[ab_])*(?:c)"},
         {".*@", "(?:.)*(?:@)"},
         {"[^@:]+:[a-c]+?i", "(?:[^@:])+(?::)(?:[a-c])+?(?:i)"},  // class cache, lazy

@@ -133,25 +133,35 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
     }
 }
 
-// A leading run marked possessive whose continuation begins with a byte
-// every match holds, outside the run's bytes, all of them ASCII: a match
-// starts where the run before an occurrence of that byte starts (starts
-// inside the run give the same continuation, starts before it cannot reach
-// the byte). The search goes from one occurrence to the next.
+// A program of one alternative that begins with a repeat of one item whose
+// members are all ASCII, followed by a literal that no repeat follows: a
+// match from s holds the literal at some p >= s with only members of the
+// item in [s, p). So with q the first occurrence of the literal from the
+// search position on, every match starts at or after the start of the run
+// of members that ends at q (a start before it would need a run reaching
+// an occurrence at or after q, across that start). The search goes from
+// one occurrence to the next and back over the run before it.
 void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* a) {
-    const int r = a->leadRepeat;
+    if (count < 3 || !(IsSingleItem(prog[0].op) || prog[0].op == OP_CLASS)) return;
+    const int r = NextItem(prog, 0);
     const int f = r + 1;
-    if (r >= kPossessiveBits || !((a->possessive[r >> 3] >> (r & 7)) & 1) || f >= count) return;
+    if (f >= count || !vkp::IsRepeat(prog[r].op)) return;
     if (prog[f].op != OP_CHAR && !(prog[f].op == OP_STRING && prog[f].b > 0)) return;
-    if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op) && prog[f + 1].a == 0) return;
-    const u8 b = prog[f].op == OP_CHAR ? static_cast<u8>(prog[f].a) : static_cast<const u8*>(prog[f].d)[0];
-    if (b >= 128 || (((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) && IsLetter(b))) return;
+    if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op)) return;
+    const u8* lit = prog[f].op == OP_CHAR ? reinterpret_cast<const u8*>(&prog[f].a)  // little-endian: a's low byte
+                                          : static_cast<const u8*>(prog[f].d);
+    const int n = prog[f].op == OP_CHAR ? 1 : prog[f].b;
+    const bool caseless = ((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) != 0;
+    for (int k = 0; k < n; ++k)  // a caseless search folds ASCII letters only
+        if (lit[k] >= 128 && (k == 0 || caseless)) return;
     ByteSet run{};
-    if (!ItemFirstBytes(prog, 0, options, &run) || run.Has(b)) return;
+    if (!ItemFirstBytes(prog, 0, options, &run)) return;
     for (int k = 4; k < 8; ++k)
         if (run.bits[k]) return;
     a->filter.mode = StartFilter::kRunBefore;
-    a->filter.byte = b;
+    a->filter.literal = lit;
+    a->filter.literalLength = n;
+    a->filter.caseless = caseless;
     a->filter.run = run;
 }
 
@@ -207,13 +217,12 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         const int r = NextItem(program, 0);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
-    if (a->leadRepeat >= 0 && a->filter.mode != StartFilter::kNone) FilterRunBefore(program, count, options, a);
+    if (a->anchorMode == 0 && firstBar == count) FilterRunBefore(program, count, options, a);
     // A required byte that the start filter searches for already adds a
     // second scan and nothing else.
     const StartFilter& f = a->filter;
-    const int filterByte = f.mode == StartFilter::kByte || f.mode == StartFilter::kRunBefore ? f.byte
-                           : f.mode == StartFilter::kLiteral && !f.caseless                  ? f.literal[0]
-                                                                                            : -1;
+    const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore;
+    const int filterByte = f.mode == StartFilter::kByte ? f.byte : literal && !f.caseless ? f.literal[0] : -1;
     if (!a->requiredCaseless && a->requiredByte == filterByte) a->requiredByte = -1;
     return FillGroupTable(program, count, groups);
 }

@@ -206,8 +206,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             return i < 0 ? nullptr : pos + i;
         }
         case StartFilter::kRunBefore: {
-            int i = -1;
-            search::FindC(pos, len, f.byte, &i);
+            const int i = FindLiteral(pos, len, f.literal, f.literalLength, f.caseless != 0);
             if (i < 0) return nullptr;
             const u8* q = pos + i;
             while (q > pos && f.run.Has(q[-1])) --q;

@@ -42,13 +42,13 @@ struct StartFilter {
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
-    u8 caseless = 0;  // kLiteral: a to z compare as A to Z
+    u8 caseless = 0;  // kLiteral, kRunBefore: a to z compare as A to Z
     int literalLength = 0;
     const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
     NibbleSet nibbles{};  // kAscii: the set for the vector search
     // kRunBefore: every match begins with a run of bytes of `run` (ASCII
-    // only) that `byte` ends; the search goes from one `byte` back to the
-    // start of the run before it.
+    // only) that the literal ends; the search goes from one occurrence of
+    // the literal back to the start of the run before it.
     ByteSet run{};
     ByteSet set{};
 };
