@@ -119,6 +119,7 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
         const Instruction& ins = prog[i];
         if (ins.op == OP_SETFLAGS) options = static_cast<u32>(ins.a);
         const int next = NextItem(prog, i);
+        if (next > count) return;  // malformed: the byte found so far, if any, still holds
         const bool repeated = next < count && vkp::IsRepeat(prog[next].op);
         const bool literal = ins.op == OP_CHAR || (ins.op == OP_STRING && ins.b > 0);
         if (literal && !(repeated && prog[next].a == 0)) {
