@@ -1,8 +1,10 @@
 // What the find driver works out from the program alone: anchoring, the
 // bytes a match can begin with, a byte every match holds, the repeats that
-// need no backtracking, the ASCII members of classes and the group table. Worked out on the first search
-// of a compiled block and kept in its work area (see state.h) for the
-// searches that follow.
+// need no backtracking, the ASCII members of classes and the group table.
+// Worked out on the first search of a compiled block and kept in its work
+// area (see state.h) for the searches that follow. It depends on the
+// program and its options only; the match limit and the format are read
+// from the header by each search.
 #pragma once
 
 #include "regexp/compile/state.h"
