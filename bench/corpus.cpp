@@ -55,7 +55,7 @@ std::string MixedText(size_t bytes) {
         text += w;
         text += rng() % 12 == 0 ? '\n' : ' ';
         if (rng() % 40) continue;
-        switch (rng() % 5) {
+        switch (rng() % 7) {
         case 0: text += std::string(pick(kUsers)) + "@" + pick(kHosts); break;
         case 1: text += std::string(rng() % 2 ? "https://" : "http://") + pick(kHosts) + pick(kPaths); break;
         case 2:
@@ -69,9 +69,25 @@ std::string MixedText(size_t bytes) {
             text += date;
             break;
         }
-        default:
+        case 4:
             text += pick(kGreek);
             if (rng() % 2) text += std::string(" ") + pick(kGreek);
+            break;
+        case 5: {
+            static const char* const kLevels[] = {"INFO", "WARN", "ERROR", "debug"};
+            char head[48];
+            std::snprintf(head, sizeof head, "\n[20%02u-%02u-%02u %02u:%02u:%02u] %s: ", unsigned(rng() % 30),
+                          1 + unsigned(rng() % 12), 1 + unsigned(rng() % 28), unsigned(rng() % 24),
+                          unsigned(rng() % 60), unsigned(rng() % 60), pick(kLevels));
+            text += head;
+            text += std::string(pick(kUsers)) + " at " + pick(kHosts) + "\n";
+            break;
+        }
+        default: {
+            static const char* const kSaid[] = {"Lights out", "the lamp is lit", "Where is Mr Keeper?", "",
+                                                "ships ahead, Anna Rossi said"};
+            text += std::string("\"") + pick(kSaid) + "\"";
+        }
         }
         text += ' ';
     }

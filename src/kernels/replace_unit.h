@@ -17,7 +17,7 @@ namespace detail {
 // (modulo the unit width), the others are kept.
 template <class T>
 VKP_INLINE __m128i Blend(__m128i v, __m128i oldV, __m128i delta) {
-    const __m128i eq = Units<T>::Equal(v, oldV);
+    const __m128i eq = Units<Vec128, T>::Equal(v, oldV);
     if constexpr (sizeof(T) == 1) return _mm_add_epi8(v, _mm_and_si128(eq, delta));
     else return _mm_add_epi16(v, _mm_and_si128(eq, delta));
 }
@@ -26,7 +26,7 @@ VKP_INLINE __m128i Blend(__m128i v, __m128i oldV, __m128i delta) {
 
 template <class T>
 void ReplaceUnits(const T* src, T* dst, int len, T oldVal, T newVal) {
-    if (len < Units<T>::kPerVector) {
+    if (len < Units<Vec128, T>::kPerVector) {
         for (int i = 0; i < len; ++i) {
             const T u = LoadUnit(src + i);
             const T r = u == oldVal ? newVal : u;
@@ -34,24 +34,24 @@ void ReplaceUnits(const T* src, T* dst, int len, T oldVal, T newVal) {
         }
         return;
     }
-    const __m128i o = Units<T>::Splat(oldVal), n = Units<T>::Splat(T(newVal - oldVal));
+    const __m128i o = Units<Vec128, T>::Splat(oldVal), n = Units<Vec128, T>::Splat(T(newVal - oldVal));
     const char* s = reinterpret_cast<const char*>(src);
     char* d = reinterpret_cast<char*>(dst);
     const size_t bytes = size_t(len) * sizeof(T);
-    const __m128i last = detail::Blend<T>(LoadU(s + bytes - 16), o, n);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), detail::Blend<T>(LoadU(s), o, n));
+    const __m128i last = detail::Blend<T>(Vec128::LoadU(s + bytes - 16), o, n);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), detail::Blend<T>(Vec128::LoadU(s), o, n));
     // A 16u destination at an odd address cannot be aligned to a unit
     // boundary on 16 bytes; it keeps the first block's offset.
     size_t k = (reinterpret_cast<uintptr_t>(d) % sizeof(T)) ? 16 : 16 - (reinterpret_cast<uintptr_t>(d) & 15);
     for (; k + 64 <= bytes; k += 64) {
-        const __m128i a = detail::Blend<T>(LoadU(s + k), o, n), b = detail::Blend<T>(LoadU(s + k + 16), o, n);
-        const __m128i c = detail::Blend<T>(LoadU(s + k + 32), o, n), e = detail::Blend<T>(LoadU(s + k + 48), o, n);
+        const __m128i a = detail::Blend<T>(Vec128::LoadU(s + k), o, n), b = detail::Blend<T>(Vec128::LoadU(s + k + 16), o, n);
+        const __m128i c = detail::Blend<T>(Vec128::LoadU(s + k + 32), o, n), e = detail::Blend<T>(Vec128::LoadU(s + k + 48), o, n);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k), a);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k + 16), b);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k + 32), c);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k + 48), e);
     }
-    for (; k + 16 <= bytes; k += 16) _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k), detail::Blend<T>(LoadU(s + k), o, n));
+    for (; k + 16 <= bytes; k += 16) _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k), detail::Blend<T>(Vec128::LoadU(s + k), o, n));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d + bytes - 16), last);
 }
 

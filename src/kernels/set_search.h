@@ -19,6 +19,7 @@
 //   it saves, every unit is compared with every member.
 #pragma once
 
+#include "kernels/active.h"
 #include "kernels/unit_search.h"
 #include "kernels/vec16.h"
 
@@ -195,11 +196,20 @@ VKP_INLINE int Scan(const T* s, int len, const Test& t) {
     else return ScanFwd<T, V>(s, len, t);
 }
 
+// A one-member set is a character search, run by the loaded width's kernel.
+template <bool kReverse, class T>
+VKP_INLINE int FindOneUnit(const T* s, int len, T v) {
+    int i = -1;
+    if (kReverse) active::FindUnitRevInto(s, len, v, &i);
+    else active::FindUnitFwdInto(s, len, v, &i);
+    return i;
+}
+
 // Index of the first (kReverse: last) unit of s[0, len) that occurs in
 // set[0, n), or -1. len and n are at least 1.
 template <bool kReverse, class V = Vec16>
 int FindAnyUnit(const u8* s, int len, const u8* set, int n) {
-    if (n == 1) return kReverse ? FindUnitRev(s, len, set[0]) : FindUnitFwd(s, len, set[0]);
+    if (n == 1) return FindOneUnit<kReverse>(s, len, set[0]);
     const ByteSetTables<V> tables(set, n);
     if (tables.HasHigh()) return Scan<kReverse, V>(s, len, ByteSetTest<V, true>{tables});
     return Scan<kReverse, V>(s, len, ByteSetTest<V, false>{tables});
@@ -208,8 +218,7 @@ int FindAnyUnit(const u8* s, int len, const u8* set, int n) {
 template <bool kReverse, class V = Vec16>
 int FindAnyUnit(const u16* s, int len, const u16* set, int n) {
     if (n == 1) {
-        const u16 v = LoadUnit(set);
-        return kReverse ? FindUnitRev(s, len, v) : FindUnitFwd(s, len, v);
+        return FindOneUnit<kReverse>(s, len, u16(LoadUnit(set)));
     }
     if (n <= kSplatMembers) return Scan<kReverse, V>(s, len, SplatSetTest<u16, V>(set, n));
     // Clearing the map costs about as much as a few hundred unit-member

@@ -1,7 +1,7 @@
 // Substring and character search against the reference definitions, on
 // seeded random data, every length up to 300 and a few large ones, with each
 // input flush against an inaccessible page (before or after it) and, for 16u,
-// at odd addresses.
+// at odd addresses. CTest runs it with the 16-byte and the 32-byte kernels.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -65,7 +65,7 @@ TYPED_TEST(Search, SubstringAtEveryPosition) {
     using Api = SearchApi<T>;
     Rng rng(7);
     for (const Placement& pl : Placements<T>()) {
-        for (int len : {40, 143, 144, 200}) {
+        for (int len : {40, 143, 144, 200, 300}) {
             GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
             for (int m : {2, 3, 4, 6, 19}) {
                 const std::vector<T> f = RandomUnits<T>(rng, m, 2, 'x');
@@ -108,13 +108,13 @@ TYPED_TEST(Search, CharacterMatchesReference) {
 }
 
 // Exactly two occurrences, at every pair of positions in the first and last
-// blocks and around the 64-byte steps.
+// blocks and around the wide steps of both kernel widths.
 TYPED_TEST(Search, CharacterAtEveryPosition) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     const T v = T(0x8A8A & ((1u << (8 * sizeof(T))) - 1));
     for (const Placement& pl : Placements<T>()) {
-        for (int len : {8, 15, 16, 17, 31, 64, 100, 129, 257}) {
+        for (int len : {8, 15, 16, 17, 31, 33, 64, 100, 129, 257, 300, 520}) {
             GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
             for (int a = 0; a < len; ++a) {
                 for (int b = a; b < len; b += (b < a + 40 ? 1 : 17)) {

@@ -59,6 +59,13 @@ struct MatchContext {
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
     const struct StartFilter* startFilter;  // bytes a match can begin with, or null
+    // From the program's analysis (analysis_hooks.h): a bit per repeat record
+    // whose item needs no backtracking (or null), and the repeat of a
+    // leading run with where it ended in the current attempt (or null).
+    const u8* possessive;
+    const Instruction* leadRepeat;
+    const u8* leadRunEnd;
+    const struct ClassBits* classBits;  // kClassSlots slots, or null
 };
 
 enum : u32 {

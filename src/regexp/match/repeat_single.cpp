@@ -12,6 +12,7 @@
 // and the 32-byte argument home area per level).
 #include <string.h>
 
+#include "regexp/match/analysis_hooks.h"
 #include "regexp/match/items.h"
 
 namespace vkp::regexp {
@@ -38,6 +39,7 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
+    LimitBacktrack(p, &lowest, ctx, next);
     for (;; p -= step) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
@@ -49,6 +51,7 @@ VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchCon
 VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
     const int req = RequiredByte(next, ctx);
+    LimitBacktrack(p, &lowest, ctx, next);
     for (;;) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
@@ -174,7 +177,8 @@ struct TypeItem {
 struct ClassItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + ip->b + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
-        return ClassLength(p, ctx->subjectEnd, ip, ctx->options);
+        const int known = CachedClassTest(ctx, ip, *p);
+        return known >= 0 ? known : ClassLength(p, ctx->subjectEnd, ip, ctx->options);
     }
 };
 struct PropertyItem {
