@@ -9,7 +9,7 @@
 #pragma once
 
 #include "kernels/case_convert.h"
-#include "kernels/vec16.h"
+#include "kernels/simd_units.h"
 
 namespace vkp::kernels {
 
@@ -56,17 +56,36 @@ int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
     if (len < per) return MismatchUnits(a, b, 0, len, same);
     int i = 0;
     for (; i + 8 * per <= len; i += 8 * per) {
-        auto eq = same.Vector(V::Load(a + i), V::Load(b + i));
-        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::Load(a + i + k * per), V::Load(b + i + k * per)));
+        auto eq = same.Vector(V::LoadU(a + i), V::LoadU(b + i));
+        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::LoadU(a + i + k * per), V::LoadU(b + i + k * per)));
         if (V::ByteMask(eq) != V::kAllBytes) break;
     }
     for (; i + per <= len; i += per)
-        if (u32 m = DiffMask<T, V>(V::Load(a + i), V::Load(b + i), same)) return i + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::LoadU(a + i), V::LoadU(b + i), same)) return i + LowestBit(m) / int(sizeof(T));
     if (i < len) {
         const int j = len - per;
-        if (u32 m = DiffMask<T, V>(V::Load(a + j), V::Load(b + j), same)) return j + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::LoadU(a + j), V::LoadU(b + j), same)) return j + LowestBit(m) / int(sizeof(T));
     }
     return len;
+}
+
+// The forms in the width list (kernels/kernel_list.inc): the first
+// difference, exact or ignoring Latin case, or len. Strings shorter than one
+// vector go to the narrower width.
+template <class V, class T>
+int FirstDifference(const T* a, const T* b, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return FirstDifference<typename V::Narrower>(a, b, len);
+    }
+    return FirstMismatch<T, V>(a, b, len, SameUnits<T, V>{});
+}
+
+template <class V, class T>
+int FirstLatinDifference(const T* a, const T* b, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return FirstLatinDifference<typename V::Narrower>(a, b, len);
+    }
+    return FirstMismatch<T, V>(a, b, len, SameIgnoringLatinCase<T, V>{});
 }
 
 // Units equal under the case map's lower-case mapping.
@@ -82,9 +101,9 @@ int FirstMismatchFolded(const u16* a, const u16* b, int len) {
     const SameIgnoringLatinCase<u16, V> latin;
     int i = 0;
     for (; i + per <= len; i += per) {
-        const auto x = V::Load(a + i), y = V::Load(b + i);
+        const auto x = V::LoadU(a + i), y = V::LoadU(b + i);
         if (AsciiBlock<V>(V::Or(x, y))) {
-            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowBit(m) / 2;
+            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowestBit(m) / 2;
         } else if (int k = MismatchUnits(a, b, i, i + per, SameLowerCase{}); k < i + per) {
             return k;
         }

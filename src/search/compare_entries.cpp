@@ -1,11 +1,10 @@
 // The seven comparison and equality exports.
 #include "frame/entries.h"
+#include "kernels/active.h"
 #include "kernels/compare.h"
 
 namespace vkp::entry {
 namespace {
-
-using kernels::Vec16;
 
 // Checks the arguments, then stores what `result` computes.
 template <class T, class Fn>
@@ -30,21 +29,21 @@ struct Unmapped {
 template <class T>
 Status Compare(const T* a, const T* b, int len, int* pResult) {
     return CompareWith(a, b, len, pResult, [&] {
-        return Difference(a, b, len, kernels::FirstMismatch<T, Vec16>(a, b, len, kernels::SameUnits<T, Vec16>{}), Unmapped<T>{});
+        return Difference(a, b, len, kernels::active::FirstDifference(a, b, len), Unmapped<T>{});
     });
 }
 
 template <class T>
 Status CompareLatin(const T* a, const T* b, int len, int* pResult) {
     return CompareWith(a, b, len, pResult, [&] {
-        const int at = kernels::FirstMismatch<T, Vec16>(a, b, len, kernels::SameIgnoringLatinCase<T, Vec16>{});
-        return Difference(a, b, len, at, kernels::LatinLower<T, Vec16>());
+        const int at = kernels::active::FirstLatinDifference(a, b, len);
+        return Difference(a, b, len, at, kernels::LatinLower<T, kernels::Vec128>());
     });
 }
 
 template <class T>
 Status Equal(const T* a, const T* b, int len, int* pResult) {
-    return CompareWith(a, b, len, pResult, [&] { return int(kernels::FirstMismatch<T, Vec16>(a, b, len, kernels::SameUnits<T, Vec16>{}) == len); });
+    return CompareWith(a, b, len, pResult, [&] { return int(kernels::active::FirstDifference(a, b, len) == len); });
 }
 
 }  // namespace
@@ -54,7 +53,7 @@ Status vkpsCompare_16u(const u16* a, const u16* b, int len, int* pResult) { retu
 Status vkpsCompareIgnoreCaseLatin_8u(const u8* a, const u8* b, int len, int* pResult) { return CompareLatin(a, b, len, pResult); }
 Status vkpsCompareIgnoreCaseLatin_16u(const u16* a, const u16* b, int len, int* pResult) { return CompareLatin(a, b, len, pResult); }
 Status vkpsCompareIgnoreCase_16u(const u16* a, const u16* b, int len, int* pResult) {
-    return CompareWith(a, b, len, pResult, [&] { return Difference(a, b, len, kernels::FirstMismatchFolded<Vec16>(a, b, len), kernels::CaseTableMap<true>{}); });
+    return CompareWith(a, b, len, pResult, [&] { return Difference(a, b, len, kernels::active::FirstMismatchFolded(a, b, len), kernels::CaseTableMap<true>{}); });
 }
 Status vkpsEqual_8u(const u8* a, const u8* b, int len, int* pResult) { return Equal(a, b, len, pResult); }
 Status vkpsEqual_16u(const u16* a, const u16* b, int len, int* pResult) { return Equal(a, b, len, pResult); }
