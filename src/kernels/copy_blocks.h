@@ -17,14 +17,33 @@ namespace vkp::kernels {
 
 namespace copy_detail {
 
-// Loads K vectors from each end of the block (they may overlap in the
-// middle), then stores them: 2K * B >= n >= K * B.
+// Loads K (1, 2, 4 or 8) vectors from each end of the block (they may
+// overlap in the middle), then stores them: 2K * B >= n >= K * B. Named
+// registers rather than arrays: arrays of vectors were kept on the stack.
 template <class V, int K>
 VKP_INLINE void Ends(char* d, const char* s, size_t n) {
+    static_assert(K == 1 || K == 2 || K == 4 || K == 8);
     constexpr int B = V::kBytes;
-    typename V::Reg head[K], tail[K];
-    for (int k = 0; k < K; ++k) head[k] = V::LoadU(s + B * k), tail[k] = V::LoadU(s + n - B * (K - k));
-    for (int k = 0; k < K; ++k) V::StoreU(d + B * k, head[k]), V::StoreU(d + n - B * (K - k), tail[k]);
+    const char* t = s + n - K * B;
+    char* u = d + n - K * B;
+    typename V::Reg h0 = V::LoadU(s), t0 = V::LoadU(t), h1, t1, h2, t2, h3, t3, h4, t4, h5, t5, h6, t6, h7, t7;
+    if constexpr (K > 1) h1 = V::LoadU(s + B), t1 = V::LoadU(t + B);
+    if constexpr (K > 2) {
+        h2 = V::LoadU(s + 2 * B), t2 = V::LoadU(t + 2 * B), h3 = V::LoadU(s + 3 * B), t3 = V::LoadU(t + 3 * B);
+    }
+    if constexpr (K > 4) {
+        h4 = V::LoadU(s + 4 * B), t4 = V::LoadU(t + 4 * B), h5 = V::LoadU(s + 5 * B), t5 = V::LoadU(t + 5 * B);
+        h6 = V::LoadU(s + 6 * B), t6 = V::LoadU(t + 6 * B), h7 = V::LoadU(s + 7 * B), t7 = V::LoadU(t + 7 * B);
+    }
+    V::StoreU(d, h0), V::StoreU(u, t0);
+    if constexpr (K > 1) V::StoreU(d + B, h1), V::StoreU(u + B, t1);
+    if constexpr (K > 2) {
+        V::StoreU(d + 2 * B, h2), V::StoreU(u + 2 * B, t2), V::StoreU(d + 3 * B, h3), V::StoreU(u + 3 * B, t3);
+    }
+    if constexpr (K > 4) {
+        V::StoreU(d + 4 * B, h4), V::StoreU(u + 4 * B, t4), V::StoreU(d + 5 * B, h5), V::StoreU(u + 5 * B, t5);
+        V::StoreU(d + 6 * B, h6), V::StoreU(u + 6 * B, t6), V::StoreU(d + 7 * B, h7), V::StoreU(u + 7 * B, t7);
+    }
 }
 
 // n <= 256 bytes, any overlap.
@@ -62,7 +81,7 @@ VKP_INLINE bool StreamCopy(size_t n) {
 // after d; the first vector and the last four are stored after it. Safe when
 // dst is below src.
 template <class V, bool kStream>
-void Forward(char* d, const char* s, size_t n) {
+__attribute__((noinline)) void Forward(char* d, const char* s, size_t n) {
     constexpr int B = V::kBytes;
     using Reg = typename V::Reg;
     const Reg head = V::LoadU(s);
@@ -89,7 +108,7 @@ void Forward(char* d, const char* s, size_t n) {
 
 // n > 256, from the end down; safe when dst is above src.
 template <class V>
-void Backward(char* d, const char* s, size_t n) {
+__attribute__((noinline)) void Backward(char* d, const char* s, size_t n) {
     constexpr int B = V::kBytes;
     using Reg = typename V::Reg;
     const Reg h0 = V::LoadU(s), h1 = V::LoadU(s + B), h2 = V::LoadU(s + 2 * B), h3 = V::LoadU(s + 3 * B);
@@ -105,16 +124,9 @@ void Backward(char* d, const char* s, size_t n) {
     V::StoreU(d + n - B, tail);
 }
 
-}  // namespace copy_detail
-
-// The forms in the width list (kernels/kernel_list.inc); copy.h's CopyBytes,
-// MoveBytes and ZeroBytes call them through the table.
+// Blocks of more than 256 bytes that do not overlap.
 template <class V>
-void CopyBlock(void* dst, const void* src, size_t n) {
-    using namespace copy_detail;
-    char* d = static_cast<char*>(dst);
-    const char* s = static_cast<const char*>(src);
-    if (n <= 256) return Small<V>(d, s, n);
+__attribute__((noinline)) void CopyLarge(char* d, const char* s, size_t n) {
     if (n < kFastStringsFrom) return Forward<V, false>(d, s, n);
     if (VKP_UNLIKELY(StreamCopy(n))) return Forward<V, true>(d, s, n);
     if (HasFastStrings()) {
@@ -124,15 +136,28 @@ void CopyBlock(void* dst, const void* src, size_t n) {
     Forward<V, false>(d, s, n);
 }
 
+}  // namespace copy_detail
+
+// The forms in the width list (kernels/kernel_list.inc); copy.h's CopyBytes,
+// MoveBytes and ZeroBytes call them through the table. Blocks up to 256
+// bytes stay in the first function, which needs no stack frame.
+template <class V>
+void CopyBlock(void* dst, const void* src, size_t n) {
+    char* d = static_cast<char*>(dst);
+    const char* s = static_cast<const char*>(src);
+    if (n <= 256) return copy_detail::Small<V>(d, s, n);
+    copy_detail::CopyLarge<V>(d, s, n);
+}
+
 template <class V>
 void MoveBlock(void* dst, const void* src, size_t n) {
     using namespace copy_detail;
     char* d = static_cast<char*>(dst);
     const char* s = static_cast<const char*>(src);
-    if (d == s) return;
     if (n <= 256) return Small<V>(d, s, n);
+    if (d == s) return;
     // Regions that do not overlap take the copy, with its string moves.
-    if (size_t(d > s ? d - s : s - d) >= n) return CopyBlock<V>(d, s, n);
+    if (size_t(d > s ? d - s : s - d) >= n) return CopyLarge<V>(d, s, n);
     if (s > d) return Forward<V, false>(d, s, n);
     Backward<V>(d, s, n);
 }
