@@ -51,7 +51,7 @@ VKP_INLINE u32 DiffMask(typename V::Reg a, typename V::Reg b, const Same& same) 
 
 // The first i < len where a[i] and b[i] are not the same, or len.
 template <class T, class V, class Same>
-int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
+VKP_INLINE int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
     constexpr int per = V::kBytes / int(sizeof(T));
     if (len < per) return MismatchUnits(a, b, 0, len, same);
     int i = 0;
@@ -73,7 +73,7 @@ int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
 // difference, exact or ignoring Latin case, or len. Strings shorter than one
 // vector go to the narrower width.
 template <class V, class T>
-int FirstDifference(const T* a, const T* b, int len) {
+VKP_INLINE int FirstDifference(const T* a, const T* b, int len) {
     if constexpr (V::kHasNarrower) {
         if (len < V::kBytes / int(sizeof(T))) return FirstDifference<typename V::Narrower>(a, b, len);
     }
@@ -81,11 +81,39 @@ int FirstDifference(const T* a, const T* b, int len) {
 }
 
 template <class V, class T>
-int FirstLatinDifference(const T* a, const T* b, int len) {
+VKP_INLINE int FirstLatinDifference(const T* a, const T* b, int len) {
     if constexpr (V::kHasNarrower) {
         if (len < V::kBytes / int(sizeof(T))) return FirstLatinDifference<typename V::Narrower>(a, b, len);
     }
     return FirstMismatch<T, V>(a, b, len, SameIgnoringLatinCase<T, V>{});
+}
+
+// The results stored through pResult, with the status of a successful call:
+// the form in the width list, so that an entry point ends with one jump
+// through the table. Compare gives the difference of the first differing
+// units (of their Latin lower-case forms for the caseless compare), or 0;
+// Equal gives 1 when the strings are equal, else 0.
+template <class V, class T>
+VKP_INLINE Status CompareInto(const T* a, const T* b, int len, int* pResult) {
+    const int at = FirstDifference<V>(a, b, len);
+    *pResult = at == len ? 0 : int(LoadUnit(a + at)) - int(LoadUnit(b + at));
+    return kOk;
+}
+
+template <class V, class T>
+VKP_INLINE Status EqualInto(const T* a, const T* b, int len, int* pResult) {
+    *pResult = FirstDifference<V>(a, b, len) == len;
+    return kOk;
+}
+
+template <class T>
+VKP_INLINE int LatinLowerUnit(T c) { return T(c - 'A') < 26 ? c + 32 : c; }
+
+template <class V, class T>
+VKP_INLINE Status CompareLatinInto(const T* a, const T* b, int len, int* pResult) {
+    const int at = FirstLatinDifference<V>(a, b, len);
+    *pResult = at == len ? 0 : LatinLowerUnit(LoadUnit(a + at)) - LatinLowerUnit(LoadUnit(b + at));
+    return kOk;
 }
 
 // Units equal under the case map's lower-case mapping.

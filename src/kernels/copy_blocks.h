@@ -182,8 +182,15 @@ void ZeroBlock(void* dst, size_t n) {
     }
     const typename V::Reg z = V::Zero();
     char* const end = d + n;
-    V::StoreU(d, z);
-    if (n <= size_t(2 * B)) return V::StoreU(end - B, z);
+    // Up to eight vectors: stores from both ends, overlapping in the middle.
+    V::StoreU(d, z), V::StoreU(end - B, z);
+    if (n <= size_t(2 * B)) return;
+    V::StoreU(d + B, z), V::StoreU(end - 2 * B, z);
+    if (n <= size_t(4 * B)) return;
+    if (n <= size_t(8 * B)) {
+        V::StoreU(d + 2 * B, z), V::StoreU(d + 3 * B, z), V::StoreU(end - 4 * B, z), V::StoreU(end - 3 * B, z);
+        return;
+    }
     char* p = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(d) + B) & ~uintptr_t(B - 1));
     // Streaming only when the fill is at least the whole largest cache.
     size_t cache;
