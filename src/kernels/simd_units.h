@@ -10,10 +10,37 @@
 
 namespace vkp::kernels {
 
+// The per-unit operations of a width W, chosen by the unit type T from W's
+// 8- and 16-bit ones: V::template Splat<T>(v), Equal<T>, Greater<T> (signed
+// a > b) and Add<T>.
+template <class W>
+struct UnitOps {
+    template <class T>
+    static VKP_INLINE auto Splat(T v) {
+        if constexpr (sizeof(T) == 1) return W::Splat8(u8(v));
+        else return W::Splat16(u16(v));
+    }
+    template <class T, class R>
+    static VKP_INLINE R Equal(R a, R b) {
+        if constexpr (sizeof(T) == 1) return W::Equal8(a, b);
+        else return W::Equal16(a, b);
+    }
+    template <class T, class R>
+    static VKP_INLINE R Greater(R a, R b) {
+        if constexpr (sizeof(T) == 1) return W::Greater8(a, b);
+        else return W::Greater16(a, b);
+    }
+    template <class T, class R>
+    static VKP_INLINE R Add(R a, R b) {
+        if constexpr (sizeof(T) == 1) return W::Add8(a, b);
+        else return W::Add16(a, b);
+    }
+};
+
 // 16-byte vectors. Every kernel written over a width uses these members;
 // Vec256 offers the same ones under the same names (lookups and shifts work
 // within each 16-byte lane there too).
-struct Vec128 {
+struct Vec128 : UnitOps<Vec128> {
     using Reg = __m128i;
     using PairMask = uint32_t;  // the byte masks of two vectors side by side
     static constexpr int kBytes = 16;
@@ -38,27 +65,14 @@ struct Vec128 {
     // One bit per byte, lowest address in bit 0.
     static VKP_INLINE uint32_t ByteMask(Reg a) { return uint32_t(_mm_movemask_epi8(a)); }
 
-    template <class T>
-    static VKP_INLINE Reg Splat(T v) {
-        if constexpr (sizeof(T) == 1) return _mm_set1_epi8(char(v));
-        else return _mm_set1_epi16(short(v));
-    }
-    template <class T>
-    static VKP_INLINE Reg Equal(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm_cmpeq_epi8(a, b);
-        else return _mm_cmpeq_epi16(a, b);
-    }
-    // Signed a > b per unit.
-    template <class T>
-    static VKP_INLINE Reg Greater(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm_cmpgt_epi8(a, b);
-        else return _mm_cmpgt_epi16(a, b);
-    }
-    template <class T>
-    static VKP_INLINE Reg Add(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm_add_epi8(a, b);
-        else return _mm_add_epi16(a, b);
-    }
+    static VKP_INLINE Reg Splat8(u8 v) { return _mm_set1_epi8(char(v)); }
+    static VKP_INLINE Reg Splat16(u16 v) { return _mm_set1_epi16(short(v)); }
+    static VKP_INLINE Reg Equal8(Reg a, Reg b) { return _mm_cmpeq_epi8(a, b); }
+    static VKP_INLINE Reg Equal16(Reg a, Reg b) { return _mm_cmpeq_epi16(a, b); }
+    static VKP_INLINE Reg Greater8(Reg a, Reg b) { return _mm_cmpgt_epi8(a, b); }
+    static VKP_INLINE Reg Greater16(Reg a, Reg b) { return _mm_cmpgt_epi16(a, b); }
+    static VKP_INLINE Reg Add8(Reg a, Reg b) { return _mm_add_epi8(a, b); }
+    static VKP_INLINE Reg Add16(Reg a, Reg b) { return _mm_add_epi16(a, b); }
     // Byte lookup of each byte's low four bits in a 16-entry table (0 where
     // the index byte has its top bit set), within each 16-byte lane.
     static VKP_INLINE Reg Lookup(Reg table, Reg index) { return _mm_shuffle_epi8(table, index); }

@@ -14,7 +14,7 @@ namespace vkp::kernels {
 // baseline's instances of Vec128 at link time.
 struct Vec128InAvx2 : Vec128 {};
 
-struct Vec256 {
+struct Vec256 : UnitOps<Vec256> {
     using Reg = __m256i;
     using PairMask = uint64_t;
     static constexpr int kBytes = 32;
@@ -40,26 +40,14 @@ struct Vec256 {
     static VKP_INLINE Reg Xor(Reg a, Reg b) { return _mm256_xor_si256(a, b); }
     static VKP_INLINE uint32_t ByteMask(Reg a) { return uint32_t(_mm256_movemask_epi8(a)); }
 
-    template <class T>
-    static VKP_INLINE Reg Splat(T v) {
-        if constexpr (sizeof(T) == 1) return _mm256_set1_epi8(char(v));
-        else return _mm256_set1_epi16(short(v));
-    }
-    template <class T>
-    static VKP_INLINE Reg Equal(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm256_cmpeq_epi8(a, b);
-        else return _mm256_cmpeq_epi16(a, b);
-    }
-    template <class T>
-    static VKP_INLINE Reg Greater(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm256_cmpgt_epi8(a, b);
-        else return _mm256_cmpgt_epi16(a, b);
-    }
-    template <class T>
-    static VKP_INLINE Reg Add(Reg a, Reg b) {
-        if constexpr (sizeof(T) == 1) return _mm256_add_epi8(a, b);
-        else return _mm256_add_epi16(a, b);
-    }
+    static VKP_INLINE Reg Splat8(u8 v) { return _mm256_set1_epi8(char(v)); }
+    static VKP_INLINE Reg Splat16(u16 v) { return _mm256_set1_epi16(short(v)); }
+    static VKP_INLINE Reg Equal8(Reg a, Reg b) { return _mm256_cmpeq_epi8(a, b); }
+    static VKP_INLINE Reg Equal16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
+    static VKP_INLINE Reg Greater8(Reg a, Reg b) { return _mm256_cmpgt_epi8(a, b); }
+    static VKP_INLINE Reg Greater16(Reg a, Reg b) { return _mm256_cmpgt_epi16(a, b); }
+    static VKP_INLINE Reg Add8(Reg a, Reg b) { return _mm256_add_epi8(a, b); }
+    static VKP_INLINE Reg Add16(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
     static VKP_INLINE Reg Lookup(Reg table, Reg index) { return _mm256_shuffle_epi8(table, index); }
     static VKP_INLINE Reg ShiftRight16(Reg v, int n) { return _mm256_srli_epi16(v, n); }
     static VKP_INLINE Reg ShiftLeft32(Reg v, int n) { return _mm256_slli_epi32(v, n); }
