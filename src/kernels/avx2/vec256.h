@@ -25,7 +25,12 @@ struct Vec256 : UnitOps<Vec256> {
     static VKP_INLINE Reg LoadA(const void* p) { return _mm256_load_si256(static_cast<const Reg*>(p)); }
     static VKP_INLINE void StoreU(void* p, Reg v) { _mm256_storeu_si256(static_cast<Reg*>(p), v); }
     static VKP_INLINE void StoreA(void* p, Reg v) { _mm256_store_si256(static_cast<Reg*>(p), v); }
-    static VKP_INLINE void StoreStream(void* p, Reg v) { _mm256_stream_si256(static_cast<Reg*>(p), v); }
+    // As two 16-byte halves: the Windows build admits no aligned 32-byte
+    // moves, and streaming is bound by memory, not by the store width.
+    static VKP_INLINE void StoreStream(void* p, Reg v) {
+        _mm_stream_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(v));
+        _mm_stream_si128(static_cast<__m128i*>(p) + 1, _mm256_extracti128_si256(v, 1));
+    }
     static VKP_INLINE void StreamFence() { _mm_sfence(); }
     static VKP_INLINE Reg Table(const u8* p16) {
         return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p16)));
