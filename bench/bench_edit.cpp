@@ -9,24 +9,15 @@
 #include <string>
 #include <vector>
 
+#include "bench_register.h"
 #include "corpus.h"
+#include "frame/entries.h"
 #include "kernels/copy.h"
 #include "ratio_table.h"
 #include "vkpch.h"
 
 namespace vkpbench {
 namespace {
-
-template <class Fn>
-void Register(const std::string& name, int64_t bytes, Fn fn) {
-    benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
-        for (auto _ : st) {
-            fn();
-            benchmark::ClobberMemory();
-        }
-        st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
-    })->MinTime(0.05);
-}
 
 std::string SizeName(size_t n) {
     if (n >= (1 << 20)) return std::to_string(n >> 20) + "MiB";
@@ -43,6 +34,14 @@ void Pair(const std::string& family, const std::string& peer, size_t size, int64
     AddRatio(family + " / " + peer + " " + SizeName(size), a, b);
 }
 
+// The 16-byte kernels of one of ours beside a pair, under "family/vkp_16/size".
+template <class Ours>
+void Baseline(const std::string& family, const std::string& peer, size_t size, int64_t bytes, Ours ours) {
+    const std::string a = family + "/vkp_16/" + SizeName(size);
+    RegisterBaseline(a, bytes, ours);
+    AddRatio(family + " 16-byte / " + peer + " " + SizeName(size), a, family + "/" + peer + "/" + SizeName(size));
+}
+
 vkp8u* Buffer(size_t n, unsigned char fill) {
     static std::vector<std::vector<vkp8u>> keep;
     keep.emplace_back(n + 64, fill);
@@ -54,12 +53,15 @@ void RegisterKernels() {
     for (size_t n : sizes) {
         vkp8u* src = Buffer(n, 'a');
         vkp8u* dst = Buffer(n + 64, 0);
-        Pair("copy", "memcpy", n, int64_t(n), [=] { vkp::kernels::CopyBytes(dst, src, n); },
-             [=] { memcpy(dst, src, n); benchmark::DoNotOptimize(dst); });
-        Pair("move up 8", "memmove", n, int64_t(n), [=] { vkp::kernels::MoveBytes(dst + 8, dst, n); },
-             [=] { memmove(dst + 8, dst, n); benchmark::DoNotOptimize(dst); });
-        Pair("zero", "memset", n, int64_t(n), [=] { vkp::kernels::ZeroBytes(dst, n); },
-             [=] { memset(dst, 0, n); benchmark::DoNotOptimize(dst); });
+        const auto copy = [=] { vkp::kernels::CopyBytes(dst, src, n); };
+        const auto move = [=] { vkp::kernels::MoveBytes(dst + 8, dst, n); };
+        const auto zero = [=] { vkp::kernels::ZeroBytes(dst, n); };
+        Pair("copy", "memcpy", n, int64_t(n), copy, [=] { memcpy(dst, src, n); benchmark::DoNotOptimize(dst); });
+        Pair("move up 8", "memmove", n, int64_t(n), move, [=] { memmove(dst + 8, dst, n); benchmark::DoNotOptimize(dst); });
+        Pair("zero", "memset", n, int64_t(n), zero, [=] { memset(dst, 0, n); benchmark::DoNotOptimize(dst); });
+        Baseline("copy", "memcpy", n, int64_t(n), copy);
+        Baseline("move up 8", "memmove", n, int64_t(n), move);
+        Baseline("zero", "memset", n, int64_t(n), zero);
     }
 }
 
@@ -92,6 +94,7 @@ void RegisterEditing() {
     auto* d16 = reinterpret_cast<vkp16u*>(Buffer(2 * 65536, 0));
     Pair("ReplaceC_8u", "memcpy", 65536, n, [=] { vkpsReplaceC_8u(t, d, n, ' ', '_'); },
          [=] { memcpy(d, t, n); benchmark::DoNotOptimize(d); });
+    Baseline("ReplaceC_8u", "memcpy", 65536, n, [=] { vkp::entry::vkpsReplaceC_8u(t, d, n, ' ', '_'); });
     Register("ReplaceC_8u/loop/64KiB", n, [=] {
         for (int i = 0; i < n; ++i) d[i] = t[i] == ' ' ? '_' : t[i];
         benchmark::DoNotOptimize(d);

@@ -5,13 +5,44 @@
 #include <benchmark/benchmark.h>
 
 #include <string>
+#include <type_traits>
+
+#include "frame/kernel_width.h"
+#include "vkpcore.h"
 
 namespace vkpbench {
 
+// One timed call of fn; a function without a result has its stores kept by
+// a clobber.
 template <class Fn>
-void Register(const std::string& name, int bytes, Fn fn) {
+VKP_INLINE void TimedCall(const Fn& fn) {
+    if constexpr (std::is_void_v<decltype(fn())>) {
+        fn();
+        benchmark::ClobberMemory();
+    } else {
+        benchmark::DoNotOptimize(fn());
+    }
+}
+
+template <class Fn>
+void Register(const std::string& name, int64_t bytes, Fn fn) {
     benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
-        for (auto _ : st) benchmark::DoNotOptimize(fn());
+        for (auto _ : st) TimedCall(fn);
+        st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
+    })->MinTime(0.05);
+}
+
+// The same function with the 16-byte kernels, beside the exported one (which
+// runs the kernels chosen when the library was loaded: 32-byte ones on an
+// AVX2 processor): the library's internals linked into this program, their
+// table set to the baseline width for the loop and back to the loaded choice
+// after it.
+template <class Fn>
+void RegisterBaseline(const std::string& name, int64_t bytes, Fn fn) {
+    benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
+        vkp::SelectKernels(vkpGetEnabledCpuFeatures() & ~VKP_CPU_AVX2);
+        for (auto _ : st) TimedCall(fn);
+        vkp::SelectKernels(vkpGetEnabledCpuFeatures());
         st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
     })->MinTime(0.05);
 }

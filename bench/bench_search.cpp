@@ -32,19 +32,6 @@ const std::vector<UChar>& Text16() {
     return t;
 }
 
-// The same function with the 16-byte kernels, beside the exported one (which
-// runs the kernels chosen when the library was loaded: 32-byte ones on an
-// AVX2 processor): the library's internals linked into this program, their
-// table set to the baseline width before the loop.
-template <class Fn>
-void RegisterBaseline(const std::string& name, int bytes, Fn fn) {
-    benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
-        vkp::SelectKernels(vkpGetEnabledCpuFeatures() & ~VKP_CPU_AVX2);
-        for (auto _ : st) benchmark::DoNotOptimize(fn());
-        st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
-    })->MinTime(0.05);
-}
-
 void RegisterCharSearch() {
     const auto* t = reinterpret_cast<const vkp8u*>(Text().data());
     const UChar* t16 = Text16().data();

@@ -14,6 +14,7 @@
 
 #include "bench_register.h"
 #include "corpus.h"
+#include "frame/entries.h"
 #include "ratio_table.h"
 #include "vkpch.h"
 
@@ -49,8 +50,16 @@ const Texts& T() {
 
 void RegisterCompare() {
     const Texts& t = T();
-    for (int n : {64, 4096, kMax}) {
+    for (int n : {64, 256, 1024, 4096, kMax}) {
         const char *a = t.a.data(), *b = t.b.data(), *sw = t.swapped.data();
+        RegisterBaseline(Name("Compare_8u", "vkp_16", n), n, [=] { int r; vkp::entry::vkpsCompare_8u(B(a), B(b), n, &r); return r; });
+        RegisterBaseline(Name("Equal_8u", "vkp_16", n), n, [=] { int r; vkp::entry::vkpsEqual_8u(B(a), B(b), n, &r); return r; });
+        RegisterBaseline(Name("CompareIgnoreCaseLatin_8u", "vkp_16", n), n,
+                         [=] { int r; vkp::entry::vkpsCompareIgnoreCaseLatin_8u(B(a), B(sw), n, &r); return r; });
+        AddRatio(Name("Compare_8u 16-byte / memcmp", "", n), Name("Compare_8u", "vkp_16", n), Name("Compare_8u", "memcmp", n));
+        AddRatio(Name("Equal_8u 16-byte / memcmp", "", n), Name("Equal_8u", "vkp_16", n), Name("Compare_8u", "memcmp", n));
+        AddRatio(Name("CompareIgnoreCaseLatin_8u 16-byte / strncasecmp", "", n), Name("CompareIgnoreCaseLatin_8u", "vkp_16", n),
+                 Name("CompareIgnoreCaseLatin_8u", "strncasecmp", n));
         Register(Name("Compare_8u", "vkp", n), n, [=] { int r; vkpsCompare_8u(B(a), B(b), n, &r); return r; });
         Register(Name("Equal_8u", "vkp", n), n, [=] { int r; vkpsEqual_8u(B(a), B(b), n, &r); return r; });
         Register(Name("Compare_8u", "memcmp", n), n, [=] { return memcmp(a, b, n); });
@@ -116,6 +125,10 @@ void RegisterSetSearch() {
             Register(Name(fam16.c_str(), "vkp", n), 2 * n, [=] { int i; vkpsFindCAny_16u(U(s16), n, U(set16), k, &i); return i; });
             Register(Name(fam16.c_str(), "icu_u_strcspn", n), 2 * n, [=] { return u_strcspn(s16, set16); });
             AddRatio(Name(fam8.c_str(), "", n) + " / strcspn", Name(fam8.c_str(), "vkp", n), Name(fam8.c_str(), "strcspn", n));
+            RegisterBaseline(Name(fam8.c_str(), "vkp_16", n), n,
+                             [=] { int i; vkp::entry::vkpsFindCAny_8u(B(s), n, B(set), k, &i); return i; });
+            AddRatio(Name(fam8.c_str(), "", n) + " 16-byte / strcspn", Name(fam8.c_str(), "vkp_16", n),
+                     Name(fam8.c_str(), "strcspn", n));
             AddRatio(Name(fam8.c_str(), "", n) + " Rev / forward", Name(fam8.c_str(), "vkp_rev", n), Name(fam8.c_str(), "vkp", n));
             AddRatio(Name(fam16.c_str(), "", n) + " / u_strcspn", Name(fam16.c_str(), "vkp", n),
                      Name(fam16.c_str(), "icu_u_strcspn", n));
@@ -147,6 +160,10 @@ void RegisterCase() {
         AddRatio(Name("LowercaseLatin_8u / tolower loop", "", n), Name("LowercaseLatin_8u", "vkp", n),
                  Name("LowercaseLatin_8u", "tolower_loop", n));
         AddRatio(Name("UppercaseLatin_8u / memcpy", "", n), Name("UppercaseLatin_8u", "vkp", n), Name("Copy_8u", "memcpy", n));
+        RegisterBaseline(Name("UppercaseLatin_8u", "vkp_16", n), n,
+                         [=] { return vkp::entry::vkpsUppercaseLatin_8u(B(s), (vkp8u*)d, n); });
+        AddRatio(Name("UppercaseLatin_8u 16-byte / memcpy", "", n), Name("UppercaseLatin_8u", "vkp_16", n),
+                 Name("Copy_8u", "memcpy", n));
 
         for (bool cyrillic : {false, true}) {
             const UChar* s16 = (cyrillic ? t.cyr : t.a16).data();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frame/base.h"
-#include "kernels/replace_unit.h"
+#include "kernels/active.h"
 
 namespace vkp::edit {
 
@@ -11,7 +11,7 @@ template <class T>
 Status ReplaceC(const T* src, T* dst, int len, T oldVal, T newVal) {
     if (!src || !dst) return kErrNull;
     if (len < 0) return kErrLength;
-    kernels::ReplaceUnits(src, dst, len, oldVal, newVal);
+    kernels::active::ReplaceUnits(src, dst, len, oldVal, newVal);
     return kOk;
 }
 

@@ -11,7 +11,7 @@
 // block path instead.
 #pragma once
 
-#include "kernels/vec16.h"
+#include "kernels/simd_units.h"
 #include "search/case_map.h"
 
 namespace vkp::kernels {
@@ -53,12 +53,30 @@ void MapBlocks(const T* src, T* dst, int len, const Map& map) {
     }
     int i = 0;
     for (; i + 2 * per <= len; i += 2 * per) {
-        const auto x0 = V::Load(src + i), x1 = V::Load(src + i + per);
-        V::Store(dst + i, map.Vector(x0));
-        V::Store(dst + i + per, map.Vector(x1));
+        const auto x0 = V::LoadU(src + i), x1 = V::LoadU(src + i + per);
+        V::StoreU(dst + i, map.Vector(x0));
+        V::StoreU(dst + i + per, map.Vector(x1));
     }
-    if (i + per <= len) V::Store(dst + i, map.Vector(V::Load(src + i))), i += per;
-    if (i < len) V::Store(dst + len - per, map.Vector(V::Load(src + len - per)));
+    if (i + per <= len) V::StoreU(dst + i, map.Vector(V::LoadU(src + i))), i += per;
+    if (i < len) V::StoreU(dst + len - per, map.Vector(V::LoadU(src + len - per)));
+}
+
+// The Latin mappings in the width list; strings shorter than one vector go
+// to the narrower width.
+template <class V, class T>
+void LowercaseLatin(const T* src, T* dst, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return LowercaseLatin<typename V::Narrower>(src, dst, len);
+    }
+    MapBlocks<T, V>(src, dst, len, LatinLower<T, V>());
+}
+
+template <class V, class T>
+void UppercaseLatin(const T* src, T* dst, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return UppercaseLatin<typename V::Narrower>(src, dst, len);
+    }
+    MapBlocks<T, V>(src, dst, len, LatinUpper<T, V>());
 }
 
 // The case map's lower (kLower) or upper mapping of one unit.
@@ -90,14 +108,20 @@ void MapCaseTable(const u16* src, u16* dst, int len) {
     const RangeShift<u16, V> latin = kLower ? LatinLower<u16, V>() : LatinUpper<u16, V>();
     int i = 0;
     for (; i + per <= len; i += per) {
-        const auto x = V::Load(src + i);
+        const auto x = V::LoadU(src + i);
         if (AsciiBlock<V>(x)) {
-            V::Store(dst + i, latin.Vector(x));
+            V::StoreU(dst + i, latin.Vector(x));
         } else {
             for (int k = i; k < i + per; ++k) StoreUnit(dst + k, CaseMapped<kLower>(LoadUnit(src + k)));
         }
     }
     for (; i < len; ++i) StoreUnit(dst + i, CaseMapped<kLower>(LoadUnit(src + i)));
 }
+
+// The full mappings in the width list.
+template <class V>
+void LowercaseFull(const u16* src, u16* dst, int len) { MapCaseTable<true, V>(src, dst, len); }
+template <class V>
+void UppercaseFull(const u16* src, u16* dst, int len) { MapCaseTable<false, V>(src, dst, len); }
 
 }  // namespace vkp::kernels

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "kernels/case_convert.h"
-#include "kernels/vec16.h"
+#include "kernels/simd_units.h"
 
 namespace vkp::kernels {
 
@@ -51,22 +51,69 @@ VKP_INLINE u32 DiffMask(typename V::Reg a, typename V::Reg b, const Same& same) 
 
 // The first i < len where a[i] and b[i] are not the same, or len.
 template <class T, class V, class Same>
-int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
+VKP_INLINE int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
     constexpr int per = V::kBytes / int(sizeof(T));
     if (len < per) return MismatchUnits(a, b, 0, len, same);
     int i = 0;
     for (; i + 8 * per <= len; i += 8 * per) {
-        auto eq = same.Vector(V::Load(a + i), V::Load(b + i));
-        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::Load(a + i + k * per), V::Load(b + i + k * per)));
+        auto eq = same.Vector(V::LoadU(a + i), V::LoadU(b + i));
+        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::LoadU(a + i + k * per), V::LoadU(b + i + k * per)));
         if (V::ByteMask(eq) != V::kAllBytes) break;
     }
     for (; i + per <= len; i += per)
-        if (u32 m = DiffMask<T, V>(V::Load(a + i), V::Load(b + i), same)) return i + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::LoadU(a + i), V::LoadU(b + i), same)) return i + LowestBit(m) / int(sizeof(T));
     if (i < len) {
         const int j = len - per;
-        if (u32 m = DiffMask<T, V>(V::Load(a + j), V::Load(b + j), same)) return j + LowBit(m) / int(sizeof(T));
+        if (u32 m = DiffMask<T, V>(V::LoadU(a + j), V::LoadU(b + j), same)) return j + LowestBit(m) / int(sizeof(T));
     }
     return len;
+}
+
+// The forms in the width list (kernels/kernel_list.inc): the first
+// difference, exact or ignoring Latin case, or len. Strings shorter than one
+// vector go to the narrower width.
+template <class V, class T>
+VKP_INLINE int FirstDifference(const T* a, const T* b, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return FirstDifference<typename V::Narrower>(a, b, len);
+    }
+    return FirstMismatch<T, V>(a, b, len, SameUnits<T, V>{});
+}
+
+template <class V, class T>
+VKP_INLINE int FirstLatinDifference(const T* a, const T* b, int len) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes / int(sizeof(T))) return FirstLatinDifference<typename V::Narrower>(a, b, len);
+    }
+    return FirstMismatch<T, V>(a, b, len, SameIgnoringLatinCase<T, V>{});
+}
+
+// The results stored through pResult, with the status of a successful call:
+// the form in the width list, so that an entry point ends with one jump
+// through the table. Compare gives the difference of the first differing
+// units (of their Latin lower-case forms for the caseless compare), or 0;
+// Equal gives 1 when the strings are equal, else 0.
+template <class V, class T>
+VKP_INLINE Status CompareInto(const T* a, const T* b, int len, int* pResult) {
+    const int at = FirstDifference<V>(a, b, len);
+    *pResult = at == len ? 0 : int(LoadUnit(a + at)) - int(LoadUnit(b + at));
+    return kOk;
+}
+
+template <class V, class T>
+VKP_INLINE Status EqualInto(const T* a, const T* b, int len, int* pResult) {
+    *pResult = FirstDifference<V>(a, b, len) == len;
+    return kOk;
+}
+
+template <class T>
+VKP_INLINE int LatinLowerUnit(T c) { return T(c - 'A') < 26 ? c + 32 : c; }
+
+template <class V, class T>
+VKP_INLINE Status CompareLatinInto(const T* a, const T* b, int len, int* pResult) {
+    const int at = FirstLatinDifference<V>(a, b, len);
+    *pResult = at == len ? 0 : LatinLowerUnit(LoadUnit(a + at)) - LatinLowerUnit(LoadUnit(b + at));
+    return kOk;
 }
 
 // Units equal under the case map's lower-case mapping.
@@ -82,9 +129,9 @@ int FirstMismatchFolded(const u16* a, const u16* b, int len) {
     const SameIgnoringLatinCase<u16, V> latin;
     int i = 0;
     for (; i + per <= len; i += per) {
-        const auto x = V::Load(a + i), y = V::Load(b + i);
+        const auto x = V::LoadU(a + i), y = V::LoadU(b + i);
         if (AsciiBlock<V>(V::Or(x, y))) {
-            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowBit(m) / 2;
+            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowestBit(m) / 2;
         } else if (int k = MismatchUnits(a, b, i, i + per, SameLowerCase{}); k < i + per) {
             return k;
         }

@@ -1,22 +1,23 @@
 // Block copy, overlap-safe move and zero fill: the library's own routines for
-// bulk work (no calls into the C runtime). The byte kernels run on 16-byte
-// vectors with 16-byte aligned stores; large copies and fills switch to
-// non-temporal stores once the block is too big to be worth caching (see
-// copy.cpp). The typed wrappers below take counts in code units; other
-// families (concatenation, insert/remove, trimming, regexp replace, pattern
-// sets) call these.
+// bulk work (no calls into the C runtime). The byte kernels
+// (kernels/copy_blocks.h) run at the width chosen at attach, with stores
+// aligned to the vector size; large copies and fills switch to string
+// instructions or non-temporal stores. The typed wrappers below take counts
+// in code units; other families (concatenation, insert/remove, trimming,
+// regexp replace, pattern sets) call these.
 #pragma once
 
 #include "frame/base.h"
+#include "kernels/active.h"
 
 namespace vkp::kernels {
 
 // Forward copy of n bytes; the regions must not overlap.
-void CopyBytes(void* dst, const void* src, size_t n);
+VKP_INLINE void CopyBytes(void* dst, const void* src, size_t n) { active::CopyBlock(dst, src, n); }
 // Copy of n bytes that is correct for any overlap of the regions.
-void MoveBytes(void* dst, const void* src, size_t n);
+VKP_INLINE void MoveBytes(void* dst, const void* src, size_t n) { active::MoveBlock(dst, src, n); }
 // Fills n bytes with zero.
-void ZeroBytes(void* dst, size_t n);
+VKP_INLINE void ZeroBytes(void* dst, size_t n) { active::ZeroBlock(dst, n); }
 
 // Size in bytes of the largest data cache, 0 when unknown, from the
 // processor's identification leaves (read once, on first use).

@@ -1,7 +1,7 @@
 // The three 32-bit string hashes (unsigned arithmetic, wrapping).
 #pragma once
 
-#include "kernels/vec16.h"
+#include "kernels/simd_units.h"
 
 namespace vkp::kernels {
 
@@ -64,7 +64,7 @@ inline constexpr PowerHalves kPowers = MakePowerHalves();
 // The dot product of eight units (16-bit lanes) with eight powers.
 template <class T, class V>
 VKP_INLINE typename V::Reg DotPowers(typename V::Reg c, int at) {
-    const auto lo = V::Load(kPowers.lo + at), hi = V::Load(kPowers.hi + at);
+    const auto lo = V::LoadU(kPowers.lo + at), hi = V::LoadU(kPowers.hi + at);
     auto high = V::MulAddPairs(c, hi);
     if constexpr (sizeof(T) == 2) high = V::Add32(high, V::MulAddPairs(V::ShiftRight16(c, 15), lo));
     return V::Add32(V::MulAddPairs(c, lo), V::ShiftLeft32(high, 16));
@@ -76,17 +76,17 @@ VKP_INLINE u32 StepSum(const T* s) {
     static_assert(V::kBytes == 16, "the power table is laid out for 16-byte vectors");
     typename V::Reg c0, c1;
     if constexpr (sizeof(T) == 1) {
-        const auto x = V::Load(s);
+        const auto x = V::LoadU(s);
         c0 = V::WidenLow(x), c1 = V::WidenHigh(x);
     } else {
-        c0 = V::Load(s), c1 = V::Load(s + 8);
+        c0 = V::LoadU(s), c1 = V::LoadU(s + 8);
     }
     return V::Sum32(V::Add32(DotPowers<T, V>(c0, 0), DotPowers<T, V>(c1, 8)));
 }
 
 }  // namespace detail
 
-template <class T, class V = Vec16>
+template <class T, class V = Vec128>
 u32 HashMulAdd(const T* s, int len) {
     using namespace detail;
     constexpr u32 k1 = kPowers.stepPower, k2 = k1 * k1;

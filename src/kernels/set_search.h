@@ -21,7 +21,7 @@
 
 #include "kernels/active.h"
 #include "kernels/unit_search.h"
-#include "kernels/vec16.h"
+#include "kernels/simd_units.h"
 
 namespace vkp::kernels {
 
@@ -31,7 +31,7 @@ namespace detail {
 template <class T, class V, class Test>
 VKP_INLINE u32 Test4(const T* p, const Test& t, typename V::Reg* h) {
     constexpr int per = V::kBytes / int(sizeof(T));
-    for (int k = 0; k < 4; ++k) h[k] = t.Vector(V::Load(p + k * per));
+    for (int k = 0; k < 4; ++k) h[k] = t.Vector(V::LoadU(p + k * per));
     return V::ByteMask(V::Or(V::Or(h[0], h[1]), V::Or(h[2], h[3])));
 }
 
@@ -59,13 +59,13 @@ int ScanFwd(const T* s, int len, const Test& t) {
     for (typename V::Reg h[4]; i + 4 * per <= len; i += 4 * per) {
         if (detail::Test4<T, V>(s + i, t, h)) {
             for (int k = 0;; ++k)
-                if (u32 m = V::ByteMask(h[k])) return i + k * per + LowBit(m) / int(sizeof(T));
+                if (u32 m = V::ByteMask(h[k])) return i + k * per + LowestBit(m) / int(sizeof(T));
         }
     }
     for (; i + per <= len; i += per)
-        if (u32 m = V::ByteMask(t.Vector(V::Load(s + i)))) return i + LowBit(m) / int(sizeof(T));
+        if (u32 m = V::ByteMask(t.Vector(V::LoadU(s + i)))) return i + LowestBit(m) / int(sizeof(T));
     if (i < len) {
-        if (u32 m = V::ByteMask(t.Vector(V::Load(s + len - per)))) return len - per + LowBit(m) / int(sizeof(T));
+        if (u32 m = V::ByteMask(t.Vector(V::LoadU(s + len - per)))) return len - per + LowestBit(m) / int(sizeof(T));
     }
     return -1;
 }
@@ -79,13 +79,13 @@ int ScanRev(const T* s, int len, const Test& t) {
     for (typename V::Reg h[4]; i - 4 * per >= 0; i -= 4 * per) {
         if (detail::Test4<T, V>(s + i - 4 * per, t, h)) {
             for (int k = 3;; --k)
-                if (u32 m = V::ByteMask(h[k])) return i - (4 - k) * per + HighBit(m) / int(sizeof(T));
+                if (u32 m = V::ByteMask(h[k])) return i - (4 - k) * per + HighestBit(m) / int(sizeof(T));
         }
     }
     for (; i - per >= 0; i -= per)
-        if (u32 m = V::ByteMask(t.Vector(V::Load(s + i - per)))) return i - per + HighBit(m) / int(sizeof(T));
+        if (u32 m = V::ByteMask(t.Vector(V::LoadU(s + i - per)))) return i - per + HighestBit(m) / int(sizeof(T));
     if (i > 0) {
-        if (u32 m = V::ByteMask(t.Vector(V::Load(s)))) return HighBit(m) / int(sizeof(T));
+        if (u32 m = V::ByteMask(t.Vector(V::LoadU(s)))) return HighestBit(m) / int(sizeof(T));
     }
     return -1;
 }
@@ -120,7 +120,7 @@ struct ByteSetTables {
                 if (c & 0x80) tHigh = V::Or(tHigh, hit);
                 else tLow = V::Or(tLow, hit);
             }
-            V::Store(entry, tLow), V::Store(entry + 16, tHigh);
+            V::StoreTable(entry, tLow), V::StoreTable(entry + 16, tHigh);
         } else {
             for (int k = 0; k < n; ++k) entry[Entry(set[k])] |= Bit(set[k]);
             tLow = V::Table(entry), tHigh = V::Table(entry + 16);
@@ -207,7 +207,7 @@ VKP_INLINE int FindOneUnit(const T* s, int len, T v) {
 
 // Index of the first (kReverse: last) unit of s[0, len) that occurs in
 // set[0, n), or -1. len and n are at least 1.
-template <bool kReverse, class V = Vec16>
+template <bool kReverse, class V = Vec128>
 int FindAnyUnit(const u8* s, int len, const u8* set, int n) {
     if (n == 1) return FindOneUnit<kReverse>(s, len, set[0]);
     const ByteSetTables<V> tables(set, n);
@@ -215,7 +215,25 @@ int FindAnyUnit(const u8* s, int len, const u8* set, int n) {
     return Scan<kReverse, V>(s, len, ByteSetTest<V, false>{tables});
 }
 
-template <bool kReverse, class V = Vec16>
+// The 8u forms in the width list; strings shorter than one vector go to the
+// narrower width.
+template <class V>
+int FindAnyByteFwd(const u8* s, int len, const u8* set, int n) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes) return FindAnyByteFwd<typename V::Narrower>(s, len, set, n);
+    }
+    return FindAnyUnit<false, V>(s, len, set, n);
+}
+
+template <class V>
+int FindAnyByteRev(const u8* s, int len, const u8* set, int n) {
+    if constexpr (V::kHasNarrower) {
+        if (len < V::kBytes) return FindAnyByteRev<typename V::Narrower>(s, len, set, n);
+    }
+    return FindAnyUnit<true, V>(s, len, set, n);
+}
+
+template <bool kReverse, class V = Vec128>
 int FindAnyUnit(const u16* s, int len, const u16* set, int n) {
     if (n == 1) {
         return FindOneUnit<kReverse>(s, len, u16(LoadUnit(set)));

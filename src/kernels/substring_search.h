@@ -19,7 +19,7 @@ namespace vkp::kernels {
 // True when the n bytes at a and b are equal.
 VKP_INLINE bool EqualBytes(const char* a, const char* b, size_t n) {
     while (n >= 16) {
-        if (Vec128::ByteMask(Vec128::Equal8(Vec128::LoadU(a), Vec128::LoadU(b))) != 0xFFFF) return false;
+        if (Vec128::ByteMask(Vec128::Equal<u8>(Vec128::LoadU(a), Vec128::LoadU(b))) != 0xFFFF) return false;
         a += 16, b += 16, n -= 16;
     }
     if (n >= 8) {

@@ -1,11 +1,9 @@
 // The twelve case conversion exports.
 #include "frame/entries.h"
-#include "kernels/case_convert.h"
+#include "kernels/active.h"
 
 namespace vkp::entry {
 namespace {
-
-using kernels::Vec16;
 
 template <class T, class Convert>
 Status ConvertCase(const T* src, T* dst, int len, Convert convert) {
@@ -18,14 +16,17 @@ Status ConvertCase(const T* src, T* dst, int len, Convert convert) {
 template <class T>
 Status Latin(const T* src, T* dst, int len, bool lower) {
     return ConvertCase(src, dst, len, [lower](const T* s, T* d, int n) {
-        if (lower) kernels::MapBlocks<T, Vec16>(s, d, n, kernels::LatinLower<T, Vec16>());
-        else kernels::MapBlocks<T, Vec16>(s, d, n, kernels::LatinUpper<T, Vec16>());
+        if (lower) kernels::active::LowercaseLatin(s, d, n);
+        else kernels::active::UppercaseLatin(s, d, n);
     });
 }
 
 template <bool kLower>
 Status Full(const u16* src, u16* dst, int len) {
-    return ConvertCase(src, dst, len, kernels::MapCaseTable<kLower, Vec16>);
+    return ConvertCase(src, dst, len, [](const u16* s, u16* d, int n) {
+        if (kLower) kernels::active::LowercaseFull(s, d, n);
+        else kernels::active::UppercaseFull(s, d, n);
+    });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The four character-set search exports.
 #include "frame/entries.h"
+#include "kernels/active.h"
 #include "kernels/set_search.h"
 
 namespace vkp::entry {
@@ -11,7 +12,13 @@ Status FindAny(const T* s, int len, const T* set, int lenSet, int* pIndex) {
     if (!s || !set || !pIndex) return kErrNull;
     if (len < 0 || lenSet < 0) return kErrLength;
     *pIndex = -1;
-    if (len > 0 && lenSet > 0) *pIndex = kernels::FindAnyUnit<kReverse>(s, len, set, lenSet);
+    if (len <= 0 || lenSet <= 0) return kOk;
+    if constexpr (sizeof(T) == 1) {
+        *pIndex = kReverse ? kernels::active::FindAnyByteRev(s, len, set, lenSet)
+                           : kernels::active::FindAnyByteFwd(s, len, set, lenSet);
+    } else {
+        *pIndex = kernels::FindAnyUnit<kReverse>(s, len, set, lenSet);
+    }
     return kOk;
 }
 

@@ -25,12 +25,13 @@ std::vector<Placement> Placements() {
     return p;
 }
 
-// Every length 0 to 300 (every start alignment against a page end) and a few
-// large ones.
+// Every length 0 to 300 (every start alignment against a page end; every
+// tail of the 16- and 32-byte blocks and of their four- and eight-block
+// steps) and a few large ones on both sides of step multiples.
 inline std::vector<int> Lengths() {
     std::vector<int> lens;
     for (int n = 0; n <= 300; ++n) lens.push_back(n);
-    for (int n : {511, 512, 513, 1000, 4096 + 7, 65536 + 3}) lens.push_back(n);
+    for (int n : {511, 512, 513, 1000, 1023, 1024, 1025, 4096 + 7, 65536 + 3}) lens.push_back(n);
     return lens;
 }
 
@@ -47,11 +48,12 @@ void ForEachPlacedLength(Fn fn) {
     }
 }
 
-// Every length 0 to 300, then a few beyond a page and beyond 64 KiB.
+// Every length 0 to 300, both sides of the copy kernels' switch to string
+// moves at 2 KiB, then a few beyond a page and beyond 64 KiB.
 inline std::vector<int> EditLengths() {
     std::vector<int> lens;
     for (int n = 0; n <= 300; ++n) lens.push_back(n);
-    for (int n : {1000, 4096 + 5, 70000}) lens.push_back(n);
+    for (int n : {511, 1000, 2047, 2048, 2049, 4096 + 5, 70000}) lens.push_back(n);
     return lens;
 }
 

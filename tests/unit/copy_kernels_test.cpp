@@ -10,6 +10,7 @@
 
 #include "kernels/copy.h"
 #include "support/guarded_dest.h"
+#include "support/placements.h"
 #include "support/random_text.h"
 
 namespace vkptest {
@@ -20,22 +21,16 @@ using vkp::kernels::CopyBytes;
 using vkp::kernels::MoveBytes;
 using vkp::kernels::ZeroBytes;
 
-std::vector<size_t> KernelLengths() {
-    std::vector<size_t> lens;
-    for (size_t n = 0; n <= 300; ++n) lens.push_back(n);
-    for (size_t n : {511, 1000, 4096 + 7, 70001}) lens.push_back(n);
-    return lens;
-}
-
 TEST(CopyKernels, CopyAndZeroAtEveryAlignment) {
     Rng rng(201);
-    for (size_t n : KernelLengths()) {
+    for (const int len : EditLengths()) {
+        const size_t n = size_t(len);
         const std::vector<vkp8u> data = RandomUnits<vkp8u>(rng, n, 256, 0);
-        for (size_t align = 0; align < 16; ++align) {
+        for (size_t align = 0; align < 32; ++align) {
             const Guard g = align % 2 ? Guard::Before : Guard::After;
             GuardedBuffer src(n, g, align);
             src.fill(data.data(), n);
-            GuardedDest<vkp8u> dst(n, g == Guard::After ? Guard::Before : Guard::After, (align * 7) % 16);
+            GuardedDest<vkp8u> dst(n, g == Guard::After ? Guard::Before : Guard::After, (align * 7) % 32);
             CopyBytes(dst.data(), src.data(), n);
             ASSERT_EQ(dst.head(n), data) << n << " " << align;
             ASSERT_TRUE(dst.UnwrittenFrom(n));
@@ -51,8 +46,9 @@ TEST(CopyKernels, CopyAndZeroAtEveryAlignment) {
 // through a separate buffer.
 TEST(CopyKernels, MoveAtEveryOverlap) {
     Rng rng(202);
-    for (size_t n : {size_t(1), size_t(15), size_t(16), size_t(63), size_t(64), size_t(65), size_t(127), size_t(200),
-                     size_t(256), size_t(257), size_t(300), size_t(1000), size_t(4099)}) {
+    for (size_t n : {size_t(1), size_t(15), size_t(16), size_t(31), size_t(32), size_t(33), size_t(63), size_t(64),
+                     size_t(65), size_t(127), size_t(128), size_t(129), size_t(200), size_t(256), size_t(257), size_t(300),
+                     size_t(1000), size_t(2049), size_t(4099)}) {
         const size_t span = 3 * n + 64;
         const std::vector<vkp8u> init = RandomUnits<vkp8u>(rng, span, 256, 0);
         for (size_t from : {n + 32, n + 39}) {
