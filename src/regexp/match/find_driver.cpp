@@ -6,6 +6,7 @@
 #include "regexp/match/first_bytes.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
+#include "regexp/match/memo.h"
 #include "regexp/match/stack_limit.h"
 #include "regexp/match/utf8.h"
 
@@ -63,7 +64,7 @@ void Append(const RegExpFind* records, int first, int count, RegExpFind* out, in
 }  // namespace
 
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor) {
+                   const char* stackFloor, Memo* memo) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
@@ -179,10 +180,12 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     ctx.groups = table;
     ctx.stackFloor = stackFloor;
     ctx.stackExhausted = 0;
+    BoundsInit(&ctx, memo, effLen, count, state->matchLimit);
 
     // 6. Single search.
     if (!(options & kOptGlobal)) {
         if (MatchStart(start, effLen, &ctx, anchorMode, firstAlternative) != 0) {
+            if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
             if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
             *numMatches = 0;
             return kOk;
@@ -222,6 +225,7 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
         }
         pos = matchStart + step;
     }
+    if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
     if (written == 0) {
         if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
         *numMatches = 0;
@@ -240,7 +244,10 @@ Status vkpsRegExpFind_8u(const u8* pSrc, int srcLen, RegExpState* pState, RegExp
     if (srcLen < 0) return kErrLength;
     if (*pNumMatches < 1) return kErrSize;
     if (pState->magic != kRegExpMagic) return VKP_ERR_NOT_COMPILED;
-    return regexp::FindInState(pSrc, srcLen, pState, pMatches, pNumMatches, regexp::ThreadStackFloor());
+    const char* floor = regexp::ThreadStackFloor();
+    const Status st = regexp::FindInState(pSrc, srcLen, pState, pMatches, pNumMatches, floor, nullptr);
+    if (st != regexp::kSearchAgain) return st;
+    return regexp::FindBounded(pSrc, srcLen, pState, pMatches, pNumMatches, floor);
 }
 
 }  // namespace vkp::entry

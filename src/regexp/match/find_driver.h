@@ -5,9 +5,13 @@
 
 namespace vkp::regexp {
 
+struct Memo;
+
 // vkpsRegExpFind_8u after its argument checks, with the matcher's recursion
-// limited to stack addresses above stackFloor.
+// limited to stack addresses above stackFloor. Without memo the search
+// gives up after a number of steps (kSearchAgain); with it, the search uses
+// that failure table and ends at a larger cap (memo.h).
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor);
+                   const char* stackFloor, Memo* memo);
 
 }  // namespace vkp::regexp

@@ -13,6 +13,7 @@
 #include <string.h>
 
 #include "regexp/match/items.h"
+#include "regexp/match/memo.h"
 
 namespace vkp::regexp {
 
@@ -37,6 +38,7 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 // Continuations at p, p - step, ... down to lowest.
 VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, step, ctx, next, budget);
     const int req = RequiredByte(next, ctx);
     for (;; p -= step) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
@@ -48,6 +50,7 @@ VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchCon
 // for items of one character each.
 VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, 0, ctx, next, budget);
     const int req = RequiredByte(next, ctx);
     for (;;) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
@@ -65,7 +68,13 @@ __attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, cons
     const u8* const stop = pos + (rep->b < rem ? rep->b : rem);
     const u8* p = pos;
     const Test test(ip, ctx);
+    // A bounded search knows the ends of runs it has taken already.
+    const bool runs = VKP_UNLIKELY(ctx->memo != nullptr) && stop == ctx->subjectEnd && !ctx->notEmpty;
+    if (runs) p = KnownRunEnd(ctx, ip, pos);
+    const u8* const scanned = p;
     while (p < stop && test(*p)) ++p;
+    if (runs) RememberRun(ctx, ip, pos, p);
+    ctx->steps += (p - scanned) >> 6;  // long scans count towards the step limit
     const u8* const lowest = pos + rep->a;
     if (p < lowest) return 1;
     return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
