@@ -60,8 +60,7 @@ struct MatchContext {
     int stackExhausted;             // set when a branch failed for lack of stack
     const struct StartFilter* startFilter;  // bytes a match can begin with, or null
     struct Memo* memo;              // failures known so far (the bounded rerun), or null
-    long long steps;                // calls of MatchHere so far
-    long long stepLimit;            // more end the search (memo.h)
+    long long stepsLeft;            // calls of MatchHere before the search stops (memo.h)
     int cutoffs;                    // branches cut short by the depth budget
     int stepState;                  // 0 plain, -1 rerun; 1: the plain search gave up, 2: the rerun its cap
 };

@@ -44,7 +44,7 @@ __attribute__((noinline, cold)) int OutOfStack(MatchContext* ctx) {
 
 int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
     if (VKP_UNLIKELY(StackPointer() < ctx->stackFloor)) return OutOfStack(ctx);
-    if (VKP_UNLIKELY(++ctx->steps > ctx->stepLimit)) return StepLimitReached(ctx);
+    if (VKP_UNLIKELY(--ctx->stepsLeft < 0)) return StepLimitReached(ctx);
     const u8* const end = ctx->subjectEnd;
     for (;;) {
         // Each step is one level of nesting; a branch that would go deeper

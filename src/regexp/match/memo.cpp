@@ -46,14 +46,13 @@ long long CapSteps(int length, int count, int matchLimit) {
 
 void BoundsInit(MatchContext* ctx, Memo* memo, int length, int count, int matchLimit) {
     ctx->memo = nullptr;
-    ctx->steps = 0;
     ctx->cutoffs = 0;
     ctx->stepState = memo ? -1 : 0;
     if (!memo) {
-        ctx->stepLimit = SearchSteps(length, count);
+        ctx->stepsLeft = SearchSteps(length, count);
         return;
     }
-    ctx->stepLimit = CapSteps(length, count, matchLimit);
+    ctx->stepsLeft = CapSteps(length, count, matchLimit);
     MemoInit(memo, ctx, count);
     if (memo->enabled) ctx->memo = memo;
 }
@@ -64,6 +63,7 @@ Status BoundsStatus(const MatchContext* ctx) {
 
 __attribute__((noinline, cold)) int StepLimitReached(MatchContext* ctx) {
     if (ctx->stepState <= 0) ctx->stepState = ctx->stepState == 0 ? 1 : 2;
+    ctx->stepsLeft = LLONG_MAX;
     // Every frame still pending fails at its next call of the matcher.
     ctx->stackFloor = reinterpret_cast<const char*>(~static_cast<uintptr_t>(0));
     return OutOfStack(ctx);

@@ -74,7 +74,7 @@ __attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, cons
     const u8* const scanned = p;
     while (p < stop && test(*p)) ++p;
     if (runs) RememberRun(ctx, ip, pos, p);
-    ctx->steps += (p - scanned) >> 6;  // long scans count towards the step limit
+    ctx->stepsLeft -= (p - scanned) >> 6;  // long scans count towards the step limit
     const u8* const lowest = pos + rep->a;
     if (p < lowest) return 1;
     return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
