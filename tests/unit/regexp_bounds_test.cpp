@@ -49,8 +49,9 @@ std::string Item(Rng& rng, int depth) {
     std::string s;
     if (depth < 3 && vkptest::RandomInt(rng, 0, 2) == 0) {
         const char* open = kOpeners[vkptest::RandomInt(rng, 0, 7)];
-        s = std::string(open) + Sequence(rng, depth + 1);
-        for (int alts = vkptest::RandomInt(rng, 0, 2); alts > 0; --alts) s += "|" + Sequence(rng, depth + 1);
+        s = open;
+        s.append(Sequence(rng, depth + 1));
+        for (int alts = vkptest::RandomInt(rng, 0, 2); alts > 0; --alts) s.append("|").append(Sequence(rng, depth + 1));
         s += ")";
         if (open[1] == '=' || open[1] == '!') return s;
     } else {
