@@ -173,9 +173,12 @@ int BacktrackMemo(const u8* p, const u8* lowest, long step, MatchContext* ctx, c
         const MemoSpan* known = key.valid ? MemoFind(ctx, key, budget) : nullptr;
         if (known) {
             // Every position of the span with the same state fails: go on
-            // below them.
-            const int to = known->lo > key.sameFrom ? known->lo : key.sameFrom;
-            if (step <= 1 && base + to < p) p = base + to > lowest ? base + to : lowest;
+            // below them (for characters, along the boundaries the plain
+            // loop would visit).
+            const u8* const to = base + (known->lo > key.sameFrom ? known->lo : key.sameFrom);
+            if (step == 1 && to < p) p = to > lowest ? to : lowest;
+            if (step == 0)
+                for (const u8* q; p > lowest && (q = StepBack(lowest, p)) >= to;) p = q;
         } else {
             const int cutoffs = ctx->cutoffs;
             if (MatchHere(p, ctx, next, budget) == 0) return 0;
