@@ -83,6 +83,11 @@ void MemoInit(Memo* memo, const MatchContext* ctx, int count) {
             continue;
         }
         if (op == OP_BACKREF) memo->enabled = false;
+        // Captures made inside a look-around or atomic body can outlive a
+        // failure; skipping that failure would change the records.
+        if ((op == OP_ATOMIC || IsLookaround(op)) && program[i].b > 0)
+            for (int k = i + 1; k <= i + program[i].b && k < count; ++k)
+                if (program[k].op == OP_CAPTURE) memo->enabled = false;
         if (op == OP_ATOMIC || op == OP_NLOOKAHEAD || op == OP_NLOOKBEHIND || op == OP_COND)
             memo->monotone = false;
         if (!vkp::IsOpener(op) || op == OP_ATOMIC || IsLookaround(op)) continue;
@@ -163,6 +168,15 @@ void MemoRecord(Memo* memo, const MemoKey& key, int budget, bool cut) {
         if (!victim || s->ip == 0 || (victim->ip != 0 && s->hi - s->lo < victim->hi - victim->lo)) victim = s;
     }
     *victim = {key.sig, key.ip, key.pos, key.pos, lo, bmax};
+}
+
+__attribute__((noinline, cold)) void NoteRun(MatchContext* ctx, const Instruction* ip, const u8* pos,
+                                             const u8* scanned, const u8* to, const u8* stop) {
+    ctx->stepsLeft -= (to - scanned) >> 6;
+    if (!ctx->memo || stop != ctx->subjectEnd || ctx->notEmpty) return;
+    Memo::Run& r = ctx->memo->runs[(ip - ctx->program) & 7];
+    if (r.ip == ip && r.options == ctx->options && r.to == to && r.from <= pos) return;
+    r = {ip, ctx->options, pos, to};
 }
 
 int BacktrackMemo(const u8* p, const u8* lowest, long step, MatchContext* ctx, const Instruction* next,

@@ -15,7 +15,8 @@
 // cut short by the budget holds for every larger budget; when the program
 // has no construct that can turn a failure into a success, for every
 // smaller one too). Programs with back-references or conditions read the
-// capture records and use no table. The rerun also counts steps: past a
+// capture records, and captures inside look-around and atomic bodies can
+// outlive a failure: such programs use no table. The rerun also counts steps: past a
 // cap proportional to the subject, the program and the match limit it
 // ends with the match-limit status, as the depth budget does.
 //
@@ -105,17 +106,19 @@ void MemoRecord(Memo* memo, const MemoKey& key, int budget, bool cut);
 // the matcher fail at once, and marks why.
 int StepLimitReached(MatchContext* ctx);
 
-// Where the run of the greedy byte repeat at ip that starts at pos ends,
-// when a run taken before holds pos; else pos.
-VKP_INLINE const u8* KnownRunEnd(const MatchContext* ctx, const Instruction* ip, const u8* pos) {
+// Where the run of the greedy byte repeat at ip that starts at pos and may
+// go on to stop ends, when a run taken before holds pos; else pos.
+VKP_INLINE const u8* KnownRunEnd(const MatchContext* ctx, const Instruction* ip, const u8* pos, const u8* stop) {
     const Memo::Run& r = ctx->memo->runs[(ip - ctx->program) & 7];
-    return r.ip == ip && r.options == ctx->options && r.from <= pos && pos <= r.to && !ctx->notEmpty ? r.to : pos;
+    const bool known = r.ip == ip && r.options == ctx->options && r.from <= pos && pos <= r.to &&
+                       stop == ctx->subjectEnd && !ctx->notEmpty;
+    return known ? r.to : pos;
 }
-VKP_INLINE void RememberRun(MatchContext* ctx, const Instruction* ip, const u8* from, const u8* to) {
-    Memo::Run& r = ctx->memo->runs[(ip - ctx->program) & 7];
-    if (r.ip == ip && r.options == ctx->options && r.to == to && r.from <= from) return;
-    r = {ip, ctx->options, from, to};
-}
+
+// After a scan of [scanned, to) by the repeat at ip entered at pos: long
+// scans count towards the step limit, and a bounded search remembers the run.
+void NoteRun(MatchContext* ctx, const Instruction* ip, const u8* pos, const u8* scanned, const u8* to,
+             const u8* stop);
 
 // The continuation `run` of state (ip, pos): skipped when it is known to
 // fail, recorded when it fails.

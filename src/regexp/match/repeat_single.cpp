@@ -69,12 +69,10 @@ __attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, cons
     const u8* p = pos;
     const Test test(ip, ctx);
     // A bounded search knows the ends of runs it has taken already.
-    const bool runs = VKP_UNLIKELY(ctx->memo != nullptr) && stop == ctx->subjectEnd && !ctx->notEmpty;
-    if (runs) p = KnownRunEnd(ctx, ip, pos);
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) p = KnownRunEnd(ctx, ip, pos, stop);
     const u8* const scanned = p;
     while (p < stop && test(*p)) ++p;
-    if (runs) RememberRun(ctx, ip, pos, p);
-    ctx->stepsLeft -= (p - scanned) >> 6;  // long scans count towards the step limit
+    if (VKP_UNLIKELY(p - scanned >= 64 || ctx->memo != nullptr)) NoteRun(ctx, ip, pos, scanned, p, stop);
     const u8* const lowest = pos + rep->a;
     if (p < lowest) return 1;
     return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
