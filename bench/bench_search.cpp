@@ -7,9 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "bench_register.h"
 #include "corpus.h"
+#include "frame/entries.h"
+#include "frame/kernel_width.h"
 #include "ratio_table.h"
 #include "vkpch.h"
+#include "vkpcore.h"
 
 namespace vkpbench {
 namespace {
@@ -28,18 +32,17 @@ const std::vector<UChar>& Text16() {
     return t;
 }
 
+// The same function with the 16-byte kernels, beside the exported one (which
+// runs the kernels chosen when the library was loaded: 32-byte ones on an
+// AVX2 processor): the library's internals linked into this program, their
+// table set to the baseline width before the loop.
 template <class Fn>
-void Register(const std::string& name, int bytes, Fn fn) {
+void RegisterBaseline(const std::string& name, int bytes, Fn fn) {
     benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
+        vkp::SelectKernels(vkpGetEnabledCpuFeatures() & ~VKP_CPU_AVX2);
         for (auto _ : st) benchmark::DoNotOptimize(fn());
         st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
     })->MinTime(0.05);
-}
-
-std::string Name(const char* family, const char* impl, int size, int needle = 0) {
-    std::string n = std::string(family) + "/" + impl + "/" + std::to_string(size);
-    if (needle) n += "/needle:" + std::to_string(needle);
-    return n;
 }
 
 void RegisterCharSearch() {
@@ -57,6 +60,11 @@ void RegisterCharSearch() {
         AddRatio(Name("FindC_8u / memchr", "", n), Name("FindC_8u", "vkp", n), Name("FindC_8u", "memchr", n));
         AddRatio(Name("FindRevC_8u / memrchr", "", n), Name("FindRevC_8u", "vkp", n), Name("FindRevC_8u", "memrchr", n));
         AddRatio(Name("FindRevC_8u / FindC_8u", "", n), Name("FindRevC_8u", "vkp", n), Name("FindC_8u", "vkp", n));
+        RegisterBaseline(Name("FindC_8u", "vkp_16", n), n, [=] { int i; vkp::entry::vkpsFindC_8u(t, n, '#', &i); return i; });
+        RegisterBaseline(Name("FindRevC_8u", "vkp_16", n), n, [=] { int i; vkp::entry::vkpsFindRevC_8u(t, n, '#', &i); return i; });
+        AddRatio(Name("FindC_8u 16-byte / memchr", "", n), Name("FindC_8u", "vkp_16", n), Name("FindC_8u", "memchr", n));
+        AddRatio(Name("FindRevC_8u 16-byte / memrchr", "", n), Name("FindRevC_8u", "vkp_16", n),
+                 Name("FindRevC_8u", "memrchr", n));
         AddRatio(Name("FindC_16u / u_memchr", "", n), Name("FindC_16u", "vkp", n), Name("FindC_16u", "icu_u_memchr", n));
         AddRatio(Name("FindRevC_16u / u_memrchr", "", n), Name("FindRevC_16u", "vkp", n),
                  Name("FindRevC_16u", "icu_u_memrchr", n));
@@ -86,6 +94,9 @@ void RegisterSubstringSearch() {
             Register(Name("FindRev_16u", "icu_u_strFindLast", n, m), 2 * n,
                      [=] { return u_strFindLast(t16, n, f16, m); });
             AddRatio(Name("Find_8u / memmem", "", n, m), Name("Find_8u", "vkp", n, m), Name("Find_8u", "memmem", n, m));
+            RegisterBaseline(Name("Find_8u", "vkp_16", n, m), n, [=] { int i; vkp::entry::vkpsFind_8u(t, n, f, m, &i); return i; });
+            AddRatio(Name("Find_8u 16-byte / memmem", "", n, m), Name("Find_8u", "vkp_16", n, m),
+                     Name("Find_8u", "memmem", n, m));
             AddRatio(Name("FindRev_8u / Find_8u", "", n, m), Name("FindRev_8u", "vkp", n, m), Name("Find_8u", "vkp", n, m));
             AddRatio(Name("Find_16u / u_strFindFirst", "", n, m), Name("Find_16u", "vkp", n, m),
                      Name("Find_16u", "icu_u_strFindFirst", n, m));

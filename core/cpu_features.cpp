@@ -29,15 +29,17 @@ unsigned long long DetectFeatures() {
     if (c & (1u << 20)) m |= VKP_CPU_SSE42;
     if (c & (1u << 22)) m |= VKP_CPU_MOVBE;
     if (c & (1u << 23)) m |= VKP_CPU_POPCNT;
+    // The AVX family counts only when the operating system saves the YMM
+    // (and, for AVX-512, the ZMM) registers: OSXSAVE, then XGETBV.
     const uint64_t xs = EnabledXState((c & (1u << 27)) != 0);
-    const bool ymm = (xs & 0x6) == 0x6;
-    const bool zmm = ymm && (xs & 0xE0) == 0xE0;
-    if (ymm && (c & (1u << 28))) m |= VKP_CPU_AVX;
+    const bool avx = (xs & 0x6) == 0x6 && (c & (1u << 28));
+    const bool zmm = avx && (xs & 0xE0) == 0xE0;
+    if (avx) m |= VKP_CPU_AVX;
     if (maxLeaf >= 7) {
         __cpuid_count(7, 0, a, b, c, d);
         if (b & (1u << 3)) m |= VKP_CPU_BMI1;
         if (b & (1u << 8)) m |= VKP_CPU_BMI2;
-        if (ymm && (b & (1u << 5))) m |= VKP_CPU_AVX2;
+        if (avx && (b & (1u << 5))) m |= VKP_CPU_AVX2;
         if (zmm && (b & (1u << 16))) m |= VKP_CPU_AVX512F;
         if (zmm && (b & (1u << 30))) m |= VKP_CPU_AVX512BW;
     }

@@ -9,7 +9,8 @@
  *
  * The library owns no buffers, allocates nothing (except the InitAlloc
  * functions) and keeps no state beyond the processor variant chosen when it
- * is loaded. All functions are reentrant on distinct data.
+ * is loaded (and the processor's cache size, read once by the copy kernels).
+ * All functions are reentrant on distinct data.
  */
 #ifndef VKPCH_H
 #define VKPCH_H
@@ -102,6 +103,155 @@ VKPCH_API vkpStatus vkpsFind_Z_8u(const vkp8u* pSrcZ, const vkp8u* pFindZ, int* 
 VKPCH_API vkpStatus vkpsFind_Z_16u(const vkp16u* pSrcZ, const vkp16u* pFindZ, int* pIndex);
 VKPCH_API vkpStatus vkpsFindC_Z_8u(const vkp8u* pSrcZ, vkp8u valFind, int* pIndex);
 VKPCH_API vkpStatus vkpsFindC_Z_16u(const vkp16u* pSrcZ, vkp16u valFind, int* pIndex);
+
+/* ---------------------------------------------------------------------------
+ * Character-set search
+ *
+ * *pIndex is the position of the first (Rev: last) unit of pSrc that equals
+ * any of the lenSet units of pSet, or -1. After the argument checks *pIndex
+ * is set to -1 before any unit is read; an empty string or set gives -1.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsFindCAny_8u(const vkp8u* pSrc, int len, const vkp8u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindCAny_16u(const vkp16u* pSrc, int len, const vkp16u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevCAny_8u(const vkp8u* pSrc, int len, const vkp8u* pSet, int lenSet, int* pIndex);
+VKPCH_API vkpStatus vkpsFindRevCAny_16u(const vkp16u* pSrc, int len, const vkp16u* pSet, int lenSet, int* pIndex);
+
+/* ---------------------------------------------------------------------------
+ * Comparison and equality of two strings of the same length
+ *
+ * Compare: *pResult is pSrc1[i] - pSrc2[i] at the first differing unit (the
+ * difference itself, not its sign), or 0. CompareIgnoreCaseLatin folds A-Z
+ * (65..90) to a-z first, nothing else; CompareIgnoreCase_16u folds every unit
+ * to its simple lower-case mapping. Equal: *pResult is 1 or 0.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsCompare_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompare_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCase_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCaseLatin_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsCompareIgnoreCaseLatin_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsEqual_8u(const vkp8u* pSrc1, const vkp8u* pSrc2, int len, int* pResult);
+VKPCH_API vkpStatus vkpsEqual_16u(const vkp16u* pSrc1, const vkp16u* pSrc2, int len, int* pResult);
+
+/* ---------------------------------------------------------------------------
+ * Case conversion, out of place (len units to pDst) or in place (_I)
+ *
+ * Latin forms change only A-Z and a-z. The 16u forms without Latin apply the
+ * simple one-unit case mappings of the 16-bit range (no context, no
+ * expansion to several units).
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsLowercase_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercase_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercase_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercase_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_8u(const vkp8u* pSrc, vkp8u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_8u_I(vkp8u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsLowercaseLatin_16u_I(vkp16u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_8u(const vkp8u* pSrc, vkp8u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_8u_I(vkp8u* pSrcDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_16u(const vkp16u* pSrc, vkp16u* pDst, int len);
+VKPCH_API vkpStatus vkpsUppercaseLatin_16u_I(vkp16u* pSrcDst, int len);
+
+/* ---------------------------------------------------------------------------
+ * Hashing (unsigned 32-bit arithmetic, wrapping)
+ *
+ * Hash:     h = 0;    h = (h << 1) ^ c for every unit.
+ * HashSJ2:  h = 0;    h = h * 31 + c for every unit.
+ * HashMSCS: h = 5381; h = (h * 33) ^ c for every unit before the first zero.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsHash_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHash_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashSJ2_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashSJ2_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashMSCS_8u32u(const vkp8u* pSrc, int len, vkp32u* pHash);
+VKPCH_API vkpStatus vkpsHashMSCS_16u32u(const vkp16u* pSrc, int len, vkp32u* pHash);
+
+/* ---------------------------------------------------------------------------
+ * Concatenation, joining and splitting
+ *
+ * The caller supplies a destination long enough for the result (the sum of
+ * the lengths, plus numSrc - 1 delimiters for ConcatC); the result length is
+ * not returned. Sources must not overlap the destination. The _D2L joins
+ * check each element when they reach it: a null element (-8) or a negative
+ * length (-119) at element k leaves elements 0 to k-1 in pDst.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsConcat_8u(const vkp8u* pSrc1, int len1, const vkp8u* pSrc2, int len2, vkp8u* pDst);
+VKPCH_API vkpStatus vkpsConcat_16u(const vkp16u* pSrc1, int len1, const vkp16u* pSrc2, int len2, vkp16u* pDst);
+VKPCH_API vkpStatus vkpsConcat_8u_D2L(const vkp8u* const pSrc[], const int srcLen[], int numSrc, vkp8u* pDst);
+VKPCH_API vkpStatus vkpsConcat_16u_D2L(const vkp16u* const pSrc[], const int srcLen[], int numSrc, vkp16u* pDst);
+VKPCH_API vkpStatus vkpsConcatC_8u_D2L(const vkp8u* const pSrc[], const int srcLen[], int numSrc, vkp8u delim, vkp8u* pDst);
+VKPCH_API vkpStatus vkpsConcatC_16u_D2L(const vkp16u* const pSrc[], const int srcLen[], int numSrc, vkp16u delim, vkp16u* pDst);
+
+/* Cuts pSrc at each delim into the slots pDst[i] of capacity dstLen[i];
+ * *pNumDst holds the slot count in and the piece count out; dstLen[i] gets
+ * each piece's length. A delimiter at the end yields no empty last piece.
+ * Returns 27 (VKP_WARN_PIECE_CUT) when a piece was cut to its slot, 26
+ * (VKP_WARN_SLOTS_FULL) when the slots ran out with text left. */
+VKPCH_API vkpStatus vkpsSplitC_8u_D2L(const vkp8u* pSrc, int len, vkp8u delim, vkp8u* pDst[], int dstLen[], int* pNumDst);
+VKPCH_API vkpStatus vkpsSplitC_16u_D2L(const vkp16u* pSrc, int len, vkp16u delim, vkp16u* pDst[], int dstLen[], int* pNumDst);
+
+/* ---------------------------------------------------------------------------
+ * Insert, remove, character replacement
+ *
+ * Insert yields srcLen + insertLen units (pDst may equal pSrc); with
+ * insertLen 0 nothing is written. Remove yields srcLen - len units (pDst must
+ * not overlap pSrc). The _I forms work in place and update the length;
+ * Insert_I does not check the buffer's capacity. Ranges whose end would
+ * overflow a 32-bit int are refused with -119.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsInsert_8u(const vkp8u* pSrc, int srcLen, const vkp8u* pInsert, int insertLen, vkp8u* pDst, int startIndex);
+VKPCH_API vkpStatus vkpsInsert_16u(const vkp16u* pSrc, int srcLen, const vkp16u* pInsert, int insertLen, vkp16u* pDst, int startIndex);
+VKPCH_API vkpStatus vkpsInsert_8u_I(const vkp8u* pInsert, int insertLen, vkp8u* pSrcDst, int* pSrcDstLen, int startIndex);
+VKPCH_API vkpStatus vkpsInsert_16u_I(const vkp16u* pInsert, int insertLen, vkp16u* pSrcDst, int* pSrcDstLen, int startIndex);
+VKPCH_API vkpStatus vkpsRemove_8u(const vkp8u* pSrc, int srcLen, vkp8u* pDst, int startIndex, int len);
+VKPCH_API vkpStatus vkpsRemove_16u(const vkp16u* pSrc, int srcLen, vkp16u* pDst, int startIndex, int len);
+VKPCH_API vkpStatus vkpsRemove_8u_I(vkp8u* pSrcDst, int* pSrcDstLen, int startIndex, int len);
+VKPCH_API vkpStatus vkpsRemove_16u_I(vkp16u* pSrcDst, int* pSrcDstLen, int startIndex, int len);
+
+/* pDst[i] = newVal where pSrc[i] == oldVal, else pSrc[i]; pDst may be pSrc. */
+VKPCH_API vkpStatus vkpsReplaceC_8u(const vkp8u* pSrc, vkp8u* pDst, int len, vkp8u oldVal, vkp8u newVal);
+VKPCH_API vkpStatus vkpsReplaceC_16u(const vkp16u* pSrc, vkp16u* pDst, int len, vkp16u oldVal, vkp16u newVal);
+
+/* ---------------------------------------------------------------------------
+ * Trimming
+ *
+ * Strips trimUnit (TrimC) or any unit of pTrim[0..trimLen) (the CAny forms)
+ * from both ends, the start only or the end only. The kept run goes to the
+ * start of pDst (pDst may equal pSrc) and its length to *pDstLen; an empty
+ * or fully trimmed string writes nothing to pDst.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsTrimC_8u(const vkp8u* pSrc, int srcLen, vkp8u trimUnit, vkp8u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimC_16u(const vkp16u* pSrc, int srcLen, vkp16u trimUnit, vkp16u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimC_8u_I(vkp8u* pSrcDst, int* pLen, vkp8u trimUnit);
+VKPCH_API vkpStatus vkpsTrimC_16u_I(vkp16u* pSrcDst, int* pLen, vkp16u trimUnit);
+VKPCH_API vkpStatus vkpsTrimCAny_8u(const vkp8u* pSrc, int srcLen, const vkp8u* pTrim, int trimLen, vkp8u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimCAny_16u(const vkp16u* pSrc, int srcLen, const vkp16u* pTrim, int trimLen, vkp16u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimStartCAny_8u(const vkp8u* pSrc, int srcLen, const vkp8u* pTrim, int trimLen, vkp8u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimStartCAny_16u(const vkp16u* pSrc, int srcLen, const vkp16u* pTrim, int trimLen, vkp16u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimEndCAny_8u(const vkp8u* pSrc, int srcLen, const vkp8u* pTrim, int trimLen, vkp8u* pDst, int* pDstLen);
+VKPCH_API vkpStatus vkpsTrimEndCAny_16u(const vkp16u* pSrc, int srcLen, const vkp16u* pTrim, int trimLen, vkp16u* pDst, int* pDstLen);
+
+/* ---------------------------------------------------------------------------
+ * UTF-8 / UTF-16 conversion
+ *
+ * *pSrcLen: source units in, consumed out; *pDstLen: capacity in, written
+ * out (both read as unsigned). Non-zero bigEndian byte-swaps the 16-bit
+ * units. Lenient: ill-formed UTF-8 bytes, overlong forms and unpaired
+ * surrogates are converted by fixed rules, never rejected. The conversion
+ * stops before a character that does not fit or is cut off by the end of
+ * the source; it returns 0 then too, so compare *pSrcLen with what you
+ * passed.
+ * ------------------------------------------------------------------------- */
+
+VKPCH_API vkpStatus vkpsConvertUTF_8u16u(const vkp8u* pSrc, int* pSrcLen, vkp16u* pDst, int* pDstLen, int bigEndian);
+VKPCH_API vkpStatus vkpsConvertUTF_16u8u(const vkp16u* pSrc, int* pSrcLen, vkp8u* pDst, int* pDstLen, int bigEndian);
 
 
 /* ---------------------------------------------------------------------------

@@ -23,7 +23,9 @@ extern "C" {
 #endif
 
 /* Bits of the processor feature mask. A bit is set when the processor has the
- * feature and, for the AVX family, the operating system saves its registers. */
+ * feature and, for the AVX family, the operating system saves its registers.
+ * vkpch chooses its processor variant from SSSE3 and MOVBE, and its 32-byte
+ * kernels (instead of the 16-byte ones) when AVX2 is set. */
 #define VKP_CPU_SSE       0x1ull
 #define VKP_CPU_SSE2      0x2ull
 #define VKP_CPU_SSE3      0x4ull

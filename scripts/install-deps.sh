@@ -9,6 +9,7 @@ packages=(
   clang libclang-rt-14-dev
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64
   libpcre2-dev libre2-dev libicu-dev
+  libxxhash-dev
 )
 
 missing=()

@@ -22,7 +22,8 @@ OUT_BLOCKS = "src/regexp/compile/unicode_blocks_table.cpp"
 OUT_SCRIPTS = "src/regexp/compile/unicode_scripts_table.cpp"
 OUT_CHARS = "src/regexp/match/unicode_chars_table.cpp"
 OUT_CASEMAP = "src/search/case_map_table.cpp"
-OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP)
+OUT_CASELIST = "tests/unit/case_map_expected.inc"
+OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP, OUT_CASELIST)
 
 # General category -> category bits (major-class bit | minor bit).
 MAJOR = {"L": 0x80, "M": 0x100, "Z": 0x200, "S": 0x400, "N": 0x800,
@@ -55,6 +56,7 @@ GEORGIAN_DELTA = 48
 DELTA_BITS = 10
 CASE_BLOCK_SHIFT = 6
 CASE_WORDS = 128
+CASE_DIRECT_UNITS = 0x600   # units below this also have flat shift tables
 
 
 def category_bits(gc):
@@ -312,16 +314,41 @@ def emit_casemap(records, ages):
         index.append(rows[row])
     word_list = [w for w, _ in sorted(words.items(), key=lambda kv: kv[1])]
     word_list += [0] * (CASE_WORDS - len(word_list))
+
+    def shifts(slot, sign):
+        out = []
+        for cp in range(CASE_DIRECT_UNITS):
+            m = maps.get(cp)
+            out.append(str(sign * m[2] if m and m[slot] else 0))
+        return wrap(out, 32)
     return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
             '#include "search/case_map.h"\n\n'
             "namespace vkp {\n\n"
             "const u16 kCaseMapIndex[kCaseMapIndexSize] = {\n%s\n};\n\n"
             "const u8 kCaseMapContents[] = {\n%s\n};\n\n"
             "const u32 kCaseMapWords[kCaseMapWordCount] = {\n%s\n};\n\n"
+            "const int16_t kCaseLowerShift[kCaseDirectUnits] = {\n%s\n};\n\n"
+            "const int16_t kCaseUpperShift[kCaseDirectUnits] = {\n%s\n};\n\n"
             "}  // namespace vkp\n"
             % (wrap([str(x) for x in index], 24),
                wrap([str(x) for x in contents], 32),
-               wrap(["0x%08X" % w for w in word_list], 8)))
+               wrap(["0x%08X" % w for w in word_list], 8),
+               shifts(1, 1), shifts(0, -1)))
+
+
+def emit_caselist(records, ages):
+    """The case map's mappings as a plain list, for the test that reads the
+    compressed table back unit by unit."""
+    maps = case_mappings(records, ages)
+    rows = []
+    for cp in sorted(maps):
+        has_upper, has_lower, delta = maps[cp]
+        rows.append("{0x%04X, %s, %s}," % (
+            cp, "0x%04X" % (cp - delta) if has_upper else "-1",
+            "0x%04X" % (cp + delta) if has_lower else "-1"))
+    return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
+            "// {unit, upper-case mapping, lower-case mapping}, -1 for none;\n"
+            "// units not listed map to nothing.\n" + "\n".join(rows) + "\n")
 
 
 def main(argv):
@@ -340,6 +367,7 @@ def main(argv):
         OUT_SCRIPTS: emit_scripts(read_scripts(src("Scripts.txt"))),
         OUT_CHARS: emit_chars(records, ranges),
         OUT_CASEMAP: emit_casemap(records, ages),
+        OUT_CASELIST: emit_caselist(records, ages),
     }
     for rel in OUTPUTS:
         path = os.path.join(args.out, rel)

@@ -12,7 +12,8 @@ constexpr int VariantFromFeatures(unsigned long long mask) {
     return (mask & 0x30) == 0x30 ? 1 : 0;
 }
 
-// Reads the core library's feature mask and sets g_cpuVariant.
+// Reads the core library's feature mask, sets g_cpuVariant and chooses the
+// kernel width (frame/kernel_width.h).
 void Attach();
 
 }  // namespace vkp

@@ -1,12 +1,18 @@
-// Search for one code unit, forward and backward, in 16-byte blocks.
+// Search for one code unit, forward and backward, in blocks of one vector
+// (16 bytes, or 32 with the wide width V).
 //
-// Forward: the first 16 bytes are tested with an unaligned load; then the
-// scan moves to the next 16-byte boundary and tests 64 bytes per step (four
-// aligned blocks folded into one test), then single aligned blocks, and ends
-// with one unaligned block flush with the end of the string. Blocks that
-// overlap bytes already tested are harmless: those bytes held no hit.
+// Forward: the first block is tested with an unaligned load (and, for
+// strings of up to two blocks, the last one flush with the end); then the scan
+// moves to the next block boundary and tests eight aligned blocks per step
+// (folded into one test). Less than eight blocks from the end, eight
+// unaligned blocks flush with the end are tested at once (when the string is
+// that long) and, without a hit, end the scan; otherwise four, then single
+// aligned blocks follow, and one unaligned block flush with the end. Blocks
+// that overlap bytes already tested are harmless: those bytes held no hit.
 // Backward is the mirror image. Nothing outside [src, src + len) is read.
 // A 16u string at an odd address is scanned with unaligned loads throughout.
+// A string shorter than one block goes to the next narrower width, and below
+// 16 bytes unit by unit.
 #pragma once
 
 #include "kernels/simd_units.h"
@@ -48,86 +54,135 @@ VKP_INLINE int UnitIndex(const char* base, const char* block, int bit) {
     return int((block - base + bit) / int(sizeof(T)));
 }
 
-template <class T, bool kAligned>
-VKP_INLINE __m128i Load(const char* p) {
-    if constexpr (kAligned) return LoadA(p);
-    else return LoadU(p);
+template <class V, bool kAligned>
+VKP_INLINE typename V::Reg Load(const char* p) {
+    if constexpr (kAligned) return V::LoadA(p);
+    else return V::LoadU(p);
 }
 
-// True when any unit of the n 16-byte blocks from p equals the needle.
-template <class T, bool kAligned, int kBlocks>
-VKP_INLINE bool AnyHit(const char* p, __m128i needle) {
-    __m128i acc = Units<T>::Equal(Load<T, kAligned>(p), needle);
-    for (int k = 1; k < kBlocks; ++k) acc = _mm_or_si128(acc, Units<T>::Equal(Load<T, kAligned>(p + 16 * k), needle));
-    return HitMask<T>(acc) != 0;
+// Hits of the needle in the block at p, one bit per unit.
+template <class V, class T, bool kAligned>
+VKP_INLINE uint32_t BlockHits(const char* p, typename V::Reg needle) {
+    return HitMask<V, T>(Units<V, T>::Equal(Load<V, kAligned>(p), needle));
 }
 
-// Forward scan of [p, end) after the first block; kAligned: p is 16-aligned.
-// The wide steps only detect a hit; the 16-byte step then locates it, within
-// the group the wide step stopped at.
-template <class T, bool kAligned>
-int FindUnitFwdBlocks(const char* base, const char* p, const char* end, __m128i needle) {
-    for (size_t n = size_t(end - p) / 128; n && !AnyHit<T, kAligned, 8>(p, needle); --n) p += 128;
-    if (end - p >= 64 && !AnyHit<T, kAligned, 4>(p, needle)) p += 64;
-    while (end - p >= 16) {
-        if (unsigned m = HitMask<T>(Units<T>::Equal(Load<T, kAligned>(p), needle)))
-            return UnitIndex<T>(base, p, LowestBit(m));
-        p += 16;
+// True when any unit of the kBlocks blocks from p equals the needle.
+template <class V, class T, bool kAligned, int kBlocks>
+VKP_INLINE bool AnyHit(const char* p, typename V::Reg needle) {
+    using U = Units<V, T>;
+    typename V::Reg acc = U::Equal(Load<V, kAligned>(p), needle);
+    for (int k = 1; k < kBlocks; ++k) acc = V::Or(acc, U::Equal(Load<V, kAligned>(p + V::kBytes * k), needle));
+    return HitMask<V, T>(acc) != 0;
+}
+
+// Forward scan of [p, end) after the first block; kAligned: p is aligned to
+// the block size. The wide steps only detect a hit; the one-block step then
+// locates it, within the group the wide step stopped at. The block scans stay
+// out of line and take the unit, not a vector, so that the short-string paths
+// of their callers need no stack frame.
+template <class V, class T, bool kAligned>
+__attribute__((noinline)) int FindUnitFwdBlocks(const char* base, const char* p, const char* end, T v) {
+    constexpr int B = V::kBytes;
+    const typename V::Reg needle = Units<V, T>::Splat(v);
+    for (size_t n = size_t(end - p) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(p, needle); --n) p += 8 * B;
+    // Less than a wide step left and the string that long: one wide test
+    // flush with the end settles the rest when it holds no hit.
+    if (end - p < 8 * B && end - base >= 8 * B && !AnyHit<V, T, false, 8>(end - 8 * B, needle)) return -1;
+    if (end - p >= 4 * B && !AnyHit<V, T, kAligned, 4>(p, needle)) p += 4 * B;
+    while (end - p >= B) {
+        if (uint32_t m = BlockHits<V, T, kAligned>(p, needle)) return UnitIndex<T>(base, p, LowestBit(m));
+        p += B;
     }
     if (p < end) {
-        if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(end - 16), needle)))
-            return UnitIndex<T>(base, end - 16, LowestBit(m));
+        if (uint32_t m = BlockHits<V, T, false>(end - B, needle)) return UnitIndex<T>(base, end - B, LowestBit(m));
     }
     return -1;
 }
 
-// Backward scan of [base, q) after the last block; kAligned: q is 16-aligned.
-template <class T, bool kAligned>
-int FindUnitRevBlocks(const char* base, const char* q, __m128i needle) {
-    for (size_t n = size_t(q - base) / 128; n && !AnyHit<T, kAligned, 8>(q - 128, needle); --n) q -= 128;
-    if (q - base >= 64 && !AnyHit<T, kAligned, 4>(q - 64, needle)) q -= 64;
-    while (q - base >= 16) {
-        if (unsigned m = HitMask<T>(Units<T>::Equal(Load<T, kAligned>(q - 16), needle)))
-            return UnitIndex<T>(base, q - 16, HighestBit(m));
-        q -= 16;
+// Backward scan of [base, q) after the last block (the string ends at end);
+// kAligned: q is aligned to the block size.
+template <class V, class T, bool kAligned>
+__attribute__((noinline)) int FindUnitRevBlocks(const char* base, const char* q, const char* end, T v) {
+    constexpr int B = V::kBytes;
+    const typename V::Reg needle = Units<V, T>::Splat(v);
+    for (size_t n = size_t(q - base) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(q - 8 * B, needle); --n) q -= 8 * B;
+    if (q - base < 8 * B && end - base >= 8 * B && !AnyHit<V, T, false, 8>(base, needle)) return -1;
+    if (q - base >= 4 * B && !AnyHit<V, T, kAligned, 4>(q - 4 * B, needle)) q -= 4 * B;
+    while (q - base >= B) {
+        if (uint32_t m = BlockHits<V, T, kAligned>(q - B, needle)) return UnitIndex<T>(base, q - B, HighestBit(m));
+        q -= B;
     }
     if (q > base) {
-        if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(base), needle)))
-            return UnitIndex<T>(base, base, HighestBit(m));
+        if (uint32_t m = BlockHits<V, T, false>(base, needle)) return UnitIndex<T>(base, base, HighestBit(m));
     }
     return -1;
+}
+
+// The unit a hit mask of the block at `block` points to: the first hit
+// forward, the last backward.
+template <class T, bool kRev>
+VKP_INLINE int HitIndex(const char* base, const char* block, uint32_t m) {
+    return UnitIndex<T>(base, block, kRev ? HighestBit(m) : LowestBit(m));
+}
+
+// Both directions: short strings, the block at the starting end, strings of
+// up to two blocks (then the block at the other end), then the block scans.
+template <class V, class T, bool kRev>
+VKP_INLINE int FindUnit(const T* s, int len, T v) {
+    constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
+    if (VKP_UNLIKELY(len < kUnits)) {
+        if constexpr (V::kHasNarrower) return FindUnit<typename V::Narrower, T, kRev>(s, len, v);
+        else if constexpr (kRev) return ScalarFindUnitRev(s, len, v);
+        else return ScalarFindUnitFwd(s, len, v);
+    }
+    const typename V::Reg needle = Units<V, T>::Splat(v);
+    const char* base = reinterpret_cast<const char*>(s);
+    const char* end = base + size_t(len) * sizeof(T);
+    const char* first = kRev ? end - B : base;
+    const char* other = kRev ? base : end - B;
+    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return HitIndex<T, kRev>(base, first, m);
+    if (end - base <= 2 * B) {
+        const uint32_t m = BlockHits<V, T, false>(other, needle);
+        return m ? HitIndex<T, kRev>(base, other, m) : -1;
+    }
+    const bool odd = reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0;
+    if constexpr (kRev) {
+        if (odd) return FindUnitRevBlocks<V, T, false>(base, end - B, end, v);
+        const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
+        return FindUnitRevBlocks<V, T, true>(base, q, end, v);
+    } else {
+        if (odd) return FindUnitFwdBlocks<V, T, false>(base, base + B, end, v);
+        const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
+        return FindUnitFwdBlocks<V, T, true>(base, p, end, v);
+    }
 }
 
 }  // namespace detail
 
 // Index of the first unit of s[0, len) equal to v, or -1.
-template <class T>
-int FindUnitFwd(const T* s, int len, T v) {
-    if (len < Units<T>::kPerVector) return detail::ScalarFindUnitFwd(s, len, v);
-    const __m128i needle = Units<T>::Splat(v);
-    const char* base = reinterpret_cast<const char*>(s);
-    const char* end = base + size_t(len) * sizeof(T);
-    if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(base), needle)))
-        return LowestBit(m) / int(sizeof(T));
-    if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
-        return detail::FindUnitFwdBlocks<T, false>(base, base + 16, end, needle);
-    const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + 16) & ~uintptr_t(15));
-    return detail::FindUnitFwdBlocks<T, true>(base, p, end, needle);
+template <class V, class T>
+VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
+    return detail::FindUnit<V, T, false>(s, len, v);
 }
 
 // Index of the last unit of s[0, len) equal to v, or -1.
-template <class T>
-int FindUnitRev(const T* s, int len, T v) {
-    if (len < Units<T>::kPerVector) return detail::ScalarFindUnitRev(s, len, v);
-    const __m128i needle = Units<T>::Splat(v);
-    const char* base = reinterpret_cast<const char*>(s);
-    const char* end = base + size_t(len) * sizeof(T);
-    if (unsigned m = HitMask<T>(Units<T>::Equal(LoadU(end - 16), needle)))
-        return detail::UnitIndex<T>(base, end - 16, HighestBit(m));
-    if (reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0)
-        return detail::FindUnitRevBlocks<T, false>(base, end - 16, needle);
-    const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(15));
-    return detail::FindUnitRevBlocks<T, true>(base, q, needle);
+template <class V, class T>
+VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
+    return detail::FindUnit<V, T, true>(s, len, v);
+}
+
+// The results stored through pIndex, with the status of a successful call:
+// the form in the kernel table, so that an entry point hands the call on whole.
+template <class V, class T>
+VKP_INLINE Status FindUnitFwdInto(const T* s, int len, T v, int* pIndex) {
+    *pIndex = FindUnitFwd<V>(s, len, v);
+    return kOk;
+}
+
+template <class V, class T>
+VKP_INLINE Status FindUnitRevInto(const T* s, int len, T v, int* pIndex) {
+    *pIndex = FindUnitRev<V>(s, len, v);
+    return kOk;
 }
 
 }  // namespace vkp::kernels

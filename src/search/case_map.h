@@ -14,6 +14,13 @@ extern const u16 kCaseMapIndex[kCaseMapIndexSize];
 extern const u8 kCaseMapContents[];
 extern const u32 kCaseMapWords[kCaseMapWordCount];
 
+// The same mappings of the units below kCaseDirectUnits (where the Latin,
+// Greek, Cyrillic and Armenian letters lie) as flat tables of
+// mapping - unit, 0 for none: one load instead of three.
+constexpr int kCaseDirectUnits = 0x600;
+extern const int16_t kCaseLowerShift[kCaseDirectUnits];
+extern const int16_t kCaseUpperShift[kCaseDirectUnits];
+
 constexpr u32 kCaseHasUpper = 1u << 20;  // upper(c) = c - delta
 constexpr u32 kCaseHasLower = 1u << 21;  // lower(c) = c + delta
 

@@ -3,9 +3,8 @@
 #pragma once
 
 #include "frame/base.h"
-#include "kernels/substring_search.h"
+#include "kernels/active.h"
 #include "kernels/terminated_length.h"
-#include "kernels/unit_search.h"
 
 namespace vkp::search {
 
@@ -13,32 +12,36 @@ template <class T>
 Status Find(const T* src, int len, const T* find, int lenFind, int* pIndex) {
     if (!src || !find || !pIndex) return kErrNull;
     if (len < 0 || lenFind < 0) return kErrLength;
-    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::FindSubFwd(src, len, find, lenFind);
-    return kOk;
+    if (lenFind == 0 || lenFind > len) {
+        *pIndex = -1;
+        return kOk;
+    }
+    return kernels::active::FindSubFwdInto(src, len, find, lenFind, pIndex);
 }
 
 template <class T>
 Status FindRev(const T* src, int len, const T* find, int lenFind, int* pIndex) {
     if (!src || !find || !pIndex) return kErrNull;
     if (len < 0 || lenFind < 0) return kErrLength;
-    *pIndex = (lenFind == 0 || lenFind > len) ? -1 : kernels::FindSubRev(src, len, find, lenFind);
-    return kOk;
+    if (lenFind == 0 || lenFind > len) {
+        *pIndex = -1;
+        return kOk;
+    }
+    return kernels::active::FindSubRevInto(src, len, find, lenFind, pIndex);
 }
 
 template <class T>
 Status FindC(const T* src, int len, T val, int* pIndex) {
     if (!src || !pIndex) return kErrNull;
     if (len < 0) return kErrLength;
-    *pIndex = kernels::FindUnitFwd(src, len, val);
-    return kOk;
+    return kernels::active::FindUnitFwdInto(src, len, val, pIndex);
 }
 
 template <class T>
 Status FindRevC(const T* src, int len, T val, int* pIndex) {
     if (!src || !pIndex) return kErrNull;
     if (len < 0) return kErrLength;
-    *pIndex = kernels::FindUnitRev(src, len, val);
-    return kOk;
+    return kernels::active::FindUnitRevInto(src, len, val, pIndex);
 }
 
 // Both lengths are measured first; then the call proceeds as Find, which

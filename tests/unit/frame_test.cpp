@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "frame/entries.h"
+#include "frame/kernel_width.h"
 #include "vkpch.h"
 #include "vkpcore.h"
 
@@ -38,6 +39,19 @@ TEST(Frame, VersionRecordReflectsVariant) {
         EXPECT_EQ(std::memcmp(v->cpuTag, u8Tag, 4), 0);
         EXPECT_STREQ(v->name, "vkpCH SSSE3 (u8)");
     }
+}
+
+// The internals linked into this program attach from the same mask as the
+// library (support/attach_internals.cpp): every kernel of the table is the
+// expected width's.
+TEST(Frame, KernelWidthFollowsMask) {
+    const char* w = std::getenv("VKPCH_EXPECT_WIDTH");
+    const int expected = w ? std::atoi(w) : vkp::KernelWidthFromFeatures(vkpGetEnabledCpuFeatures());
+    EXPECT_EQ(vkp::g_kernelWidth, expected);
+    const bool wide = expected == 32;
+#define VKP_KERNEL(F, K, R, P, A) EXPECT_EQ(vkp::g_kernels.F, wide ? &vkp::kernels::w32::F : &vkp::kernels::w16::F) << #F;
+#include "kernels/kernel_list.inc"
+#undef VKP_KERNEL
 }
 
 TEST(Frame, RecordLayoutIsNatural) {

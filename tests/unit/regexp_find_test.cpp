@@ -1,6 +1,7 @@
 // vkpsRegExpFind_8u as a driver: argument checks in order, result codes,
 // global search and its empty-match rule, UTF-8 start positions, the
-// literal shortcuts, and reads that stay within the subject.
+// shortcuts and what the driver keeps between searches, and reads that stay
+// within the subject.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -107,27 +108,80 @@ TEST(RegExpFind, StartPositionsFollowTheFormat) {
     EXPECT_EQ(b.Search("\xe2\x82" "b").records, (Spans{{2, 1}}));
 }
 
-// The literal shortcuts agree with the general search on random subjects.
-TEST(RegExpFind, LiteralShortcutsAgreeWithTheMatcher) {
+// The driver's shortcuts (literal narrowing, start filters, the required
+// byte, repeats that need no backtracking, the skip over a failed leading
+// run, the class cache) agree with the general search on random subjects,
+// single and global: each pattern beside an equivalent one that hides its
+// items in groups, where none of them applies.
+TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     vkptest::Rng rng(7);
-    // Each shortcut pattern beside an equivalent one that takes none.
     const std::pair<const char*, const char*> pairs[] = {
-        {"ab|ba|b", "(?:ab|ba|b)"},           // kind 2
+        {"ab|ba|b", "(?:ab|ba|b)"},           // alternation of literals
         {"aab|ab", "(?:aab|ab)"},
-        {"abc(a)", "(?:abc)(a)"},             // kind 1 and the group
+        {"abc(a)", "(?:abc)(a)"},             // leading literal and a group
         {"ba+", "(?:b)a+"},
         {"a\\w*b", "a\\w*(?:b)"},             // the last literal
+        {"[\\w.+-]+@\\w+", "(?:[\\w.+-])+(?:@)\\w+"},  // possessive run, required byte
+        {"\\w+:", "(?:\\w)+(?::)"},
+        {"\\d+-\\d*", "(?:\\d)+(?:-)\\d*"},
+        {"\\w+ing\\b", "(?:\\w)+(?:ing)\\b"},   // leading runs that backtrack
+        {"[ab]+b", "(?:[ab])+(?:b)"},
+        {"a+Ab", "(?:a)+(?:Ab)"},
+        {"\\w+1_?", "(?:\\w)+(?:1)_?"},
+        {"[ab]{1,3}?ab", "(?:[ab]){1,3}?(?:ab)"},  // a run before a literal, lazy and bounded
+        {"\\w{2,}1b", "(?:\\w){2,}(?:1b)"},
+        {"[ab_]*c", "(?:[ab_])*(?:c)"},
+        {".*@", "(?:.)*(?:@)"},
+        {"[^@:]+:[a-c]+?i", "(?:[^@:])+(?::)(?:[a-c])+?(?:i)"},  // class cache, lazy
+        {"(?:ab|c|i)n", "(?:ab|c|i|(?!))(?:n)"},   // a few start bytes
+        {"ing|n(?=g)", "(?:ing|n(?=g))"},
     };
-    for (const char* options : {"", "i"}) {
+    const char kAlphabet[] = "aabbab_1@:-.ingcAB \n";
+    for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {
             CompiledRegExp a(fast, options), b(plain, options);
-            for (int i = 0; i < 300; ++i) {
-                std::vector<char> v = vkptest::RandomUnits<char>(rng, size_t(vkptest::RandomInt(rng, 0, 24)), 3);
-                std::string s(v.begin(), v.end());
-                if (*options && !s.empty()) s[0] = char(s[0] & ~0x20);
-                const auto ra = a.Search(s), rb = b.Search(s);
+            ASSERT_EQ(a.status(), 0) << fast;
+            ASSERT_EQ(b.status(), 0) << plain;
+            for (int i = 0; i < 400; ++i) {
+                std::string s(size_t(vkptest::RandomInt(rng, 0, 24)), ' ');
+                for (char& c : s) c = kAlphabet[vkptest::RandomInt(rng, 0, int(sizeof kAlphabet) - 2)];
+                const auto ra = a.Search(s, 64), rb = b.Search(s, 64);
                 ASSERT_EQ(ra.status, rb.status) << fast << " on " << s;
                 ASSERT_EQ(ra.records, rb.records) << fast << " (" << options << ") on " << s;
+            }
+        }
+    }
+}
+
+// What the driver keeps in the block between searches belongs to the
+// pattern compiled there: a recompile, a format change and a program whose
+// group table leaves no room for it give the results of a fresh block.
+TEST(RegExpFind, KeptAnalysisFollowsTheBlock) {
+    std::string many;
+    for (int i = 0; i < 960; ++i) many += "(?:a|)";
+    const std::string patterns[] = {"x+y", "y+x", many + "b", "x+y", "[xy]+z", many + "y", "y+x"};
+    int size = 0;
+    ASSERT_EQ(vkpsRegExpGetSize(patterns[2].c_str(), &size), 0);
+    std::vector<long long> block(size_t(size) / sizeof(long long) + 1);
+    auto* state = reinterpret_cast<vkpRegExpState*>(block.data());
+    const std::string subject = "yyxy xxyz ab";
+    for (const std::string& p : patterns) {
+        int err = 0;
+        ASSERT_EQ(vkpsRegExpInit(p.c_str(), "", state, &err), 0);
+        CompiledRegExp fresh(p);
+        for (int format : {1, 0, 1}) {
+            ASSERT_EQ(vkpsRegExpSetFormat(format, state), 0);
+            ASSERT_EQ(vkpsRegExpSetFormat(format, fresh.state()), 0);
+            for (int pass = 0; pass < 2; ++pass) {
+                vkpRegExpFind m[1];
+                int n = 1;
+                const auto* s = reinterpret_cast<const vkp8u*>(subject.data());
+                ASSERT_GE(vkpsRegExpFind_8u(s, int(subject.size()), state, m, &n), 0);
+                const auto want = fresh.Search(subject, 1);
+                ASSERT_EQ(size_t(n), want.records.size()) << p.size();
+                if (n) {
+                    EXPECT_EQ((vkptest::Span{long(m[0].pMatch - s), m[0].matchLen}), want.records[0]) << p.size();
+                }
             }
         }
     }

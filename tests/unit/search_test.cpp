@@ -1,40 +1,19 @@
 // Substring and character search against the reference definitions, on
 // seeded random data, every length up to 300 and a few large ones, with each
 // input flush against an inaccessible page (before or after it) and, for 16u,
-// at odd addresses.
+// at odd addresses. CTest runs it with the 16-byte and the 32-byte kernels.
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "support/guarded_buffer.h"
+#include "support/placements.h"
 #include "support/random_text.h"
 #include "support/search_api.h"
 #include "support/search_reference.h"
 
 namespace vkptest {
 namespace {
-
-struct Placement {
-    GuardedBuffer::Guard guard;
-    size_t slack;
-};
-
-template <class T>
-std::vector<Placement> Placements() {
-    std::vector<Placement> p = {{GuardedBuffer::Guard::After, 0}, {GuardedBuffer::Guard::Before, 0}};
-    if (sizeof(T) == 2) {  // odd addresses
-        p.push_back({GuardedBuffer::Guard::After, 1});
-        p.push_back({GuardedBuffer::Guard::Before, 1});
-    }
-    return p;
-}
-
-std::vector<int> Lengths() {
-    std::vector<int> lens;
-    for (int n = 0; n <= 300; ++n) lens.push_back(n);
-    for (int n : {511, 512, 513, 1000, 4096 + 7, 65536 + 3}) lens.push_back(n);
-    return lens;
-}
 
 // Alphabets: (size, first unit). Small ones make many partial matches; the
 // high 16-bit bases catch sign and byte-order slips.
@@ -53,33 +32,30 @@ TYPED_TEST(Search, SubstringMatchesReference) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     Rng rng(20261121);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            for (auto [alphabet, base] : Alphabets<T>()) {
-                const std::vector<T> s = RandomUnits<T>(rng, len, alphabet, base);
-                const T* src = srcBuf.fill(s.data(), s.size());
-                for (int m : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, len - 1, len, len + 1}) {
-                    if (m < 0) continue;
-                    std::vector<T> f;
-                    if (m <= len && len > 0 && rng() % 2) {
-                        const int at = RandomInt(rng, 0, len - m);
-                        f.assign(s.begin() + at, s.begin() + at + m);
-                    } else {
-                        f = RandomUnits<T>(rng, m, alphabet, base);
-                    }
-                    GuardedBuffer findBuf(m * sizeof(T), pl.guard, pl.slack);
-                    const T* pf = findBuf.fill(f.data(), f.size());
-                    int fwd = -2, rev = -2;
-                    ASSERT_EQ(Api::Find(src, len, pf, m, &fwd), VKP_OK);
-                    ASSERT_EQ(Api::FindRev(src, len, pf, m, &rev), VKP_OK);
-                    ASSERT_EQ(fwd, RefFind(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
-                    ASSERT_EQ(rev, RefFindRev(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        for (auto [alphabet, base] : Alphabets<T>()) {
+            const std::vector<T> s = RandomUnits<T>(rng, len, alphabet, base);
+            const T* src = srcBuf.fill(s.data(), s.size());
+            for (int m : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, len - 1, len, len + 1}) {
+                if (m < 0) continue;
+                std::vector<T> f;
+                if (m <= len && len > 0 && rng() % 2) {
+                    const int at = RandomInt(rng, 0, len - m);
+                    f.assign(s.begin() + at, s.begin() + at + m);
+                } else {
+                    f = RandomUnits<T>(rng, m, alphabet, base);
                 }
+                GuardedBuffer findBuf(m * sizeof(T), pl.guard, pl.slack);
+                const T* pf = findBuf.fill(f.data(), f.size());
+                int fwd = -2, rev = -2;
+                ASSERT_EQ(Api::Find(src, len, pf, m, &fwd), VKP_OK);
+                ASSERT_EQ(Api::FindRev(src, len, pf, m, &rev), VKP_OK);
+                ASSERT_EQ(fwd, RefFind(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
+                ASSERT_EQ(rev, RefFindRev(s, f)) << "len " << len << " m " << m << " alphabet " << alphabet;
             }
         }
-    }
+    });
 }
 
 // A single occurrence at every position, and a second one behind it, so that
@@ -89,7 +65,7 @@ TYPED_TEST(Search, SubstringAtEveryPosition) {
     using Api = SearchApi<T>;
     Rng rng(7);
     for (const Placement& pl : Placements<T>()) {
-        for (int len : {40, 143, 144, 200}) {
+        for (int len : {40, 143, 144, 200, 300}) {
             GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
             for (int m : {2, 3, 4, 6, 19}) {
                 const std::vector<T> f = RandomUnits<T>(rng, m, 2, 'x');
@@ -114,34 +90,31 @@ TYPED_TEST(Search, CharacterMatchesReference) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     Rng rng(99);
-    for (const Placement& pl : Placements<T>()) {
-        for (int len : Lengths()) {
-            if (len > 4096 && pl.slack) continue;
-            GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
-            for (auto [alphabet, base] : Alphabets<T>()) {
-                const std::vector<T> s = RandomUnits<T>(rng, len, alphabet + 2, base);
-                const T* src = srcBuf.fill(s.data(), s.size());
-                for (unsigned k = 0; k < alphabet + 3; ++k) {  // the last value never occurs
-                    const T v = T(base + k);
-                    int fwd = -2, rev = -2;
-                    ASSERT_EQ(Api::FindC(src, len, v, &fwd), VKP_OK);
-                    ASSERT_EQ(Api::FindRevC(src, len, v, &rev), VKP_OK);
-                    ASSERT_EQ(fwd, RefFindC(s, v)) << "len " << len << " value " << unsigned(v);
-                    ASSERT_EQ(rev, RefFindRevC(s, v)) << "len " << len << " value " << unsigned(v);
-                }
+    ForEachPlacedLength<T>([&](const Placement& pl, int len) {
+        GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
+        for (auto [alphabet, base] : Alphabets<T>()) {
+            const std::vector<T> s = RandomUnits<T>(rng, len, alphabet + 2, base);
+            const T* src = srcBuf.fill(s.data(), s.size());
+            for (unsigned k = 0; k < alphabet + 3; ++k) {  // the last value never occurs
+                const T v = T(base + k);
+                int fwd = -2, rev = -2;
+                ASSERT_EQ(Api::FindC(src, len, v, &fwd), VKP_OK);
+                ASSERT_EQ(Api::FindRevC(src, len, v, &rev), VKP_OK);
+                ASSERT_EQ(fwd, RefFindC(s, v)) << "len " << len << " value " << unsigned(v);
+                ASSERT_EQ(rev, RefFindRevC(s, v)) << "len " << len << " value " << unsigned(v);
             }
         }
-    }
+    });
 }
 
 // Exactly two occurrences, at every pair of positions in the first and last
-// blocks and around the 64-byte steps.
+// blocks and around the wide steps of both kernel widths.
 TYPED_TEST(Search, CharacterAtEveryPosition) {
     using T = TypeParam;
     using Api = SearchApi<T>;
     const T v = T(0x8A8A & ((1u << (8 * sizeof(T))) - 1));
     for (const Placement& pl : Placements<T>()) {
-        for (int len : {8, 15, 16, 17, 31, 64, 100, 129, 257}) {
+        for (int len : {8, 15, 16, 17, 31, 33, 64, 100, 129, 257, 300, 520}) {
             GuardedBuffer srcBuf(len * sizeof(T), pl.guard, pl.slack);
             for (int a = 0; a < len; ++a) {
                 for (int b = a; b < len; b += (b < a + 40 ? 1 : 17)) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "regexp/compile/unicode_names.h"
 #include "regexp/match/unicode_chars.h"
@@ -235,6 +236,29 @@ TEST(CaseMap, CountsAndDeltas) {
     const int commonest[] = {1, 32, -8, 48, 26};
     auto it = byUse.begin();
     for (int d : commonest) EXPECT_EQ((it++)->second, d);
+}
+
+// The mapping the generator computed from the Unicode data, as a plain list.
+struct ListedCase { u32 unit; int upper, lower; };
+const ListedCase kListedCases[] = {
+#include "unit/case_map_expected.inc"
+};
+
+// The compressed table, read back through the lookup, at every unit.
+TEST(CaseMap, EveryUnitMatchesTheGeneratorsList) {
+    std::vector<std::pair<int, int>> want(0x10000, {-1, -1});
+    int lowers = 0, uppers = 0;
+    for (const ListedCase& e : kListedCases) {
+        want[e.unit] = {e.upper, e.lower};
+        lowers += e.lower >= 0, uppers += e.upper >= 0;
+    }
+    EXPECT_EQ(lowers, 704);
+    EXPECT_EQ(uppers, 673);
+    for (u32 c = 0; c < 0x10000; ++c) {
+        CaseMapping m = CaseOf(u16(c));
+        ASSERT_EQ(m.hasUpper ? int(m.upper) : -1, want[c].first) << std::hex << c;
+        ASSERT_EQ(m.hasLower ? int(m.lower) : -1, want[c].second) << std::hex << c;
+    }
 }
 
 TEST(CaseMap, MappedUnitsLieInTheListedStretches) {

@@ -11,6 +11,7 @@ int CmdVersion(const Args& args);
 int CmdFind(const Args& args);
 int CmdGrep(const Args& args);
 int CmdCompile(const Args& args);
+int CmdConvert(const Args& args);
 
 // Prints "vkpch: MESSAGE" to standard error and returns 2.
 int Fail(const std::string& message);

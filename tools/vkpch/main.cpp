@@ -10,7 +10,8 @@ constexpr const char* kUsage =
     "usage: vkpch version\n"
     "       vkpch find [--rev] NEEDLE [FILE...]\n"
     "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n"
-    "       vkpch compile [-o OPTIONS] PATTERN\n";
+    "       vkpch compile [-o OPTIONS] PATTERN\n"
+    "       vkpch convert [--from ENC] [--to ENC] [FILE...]   (ENC: utf-8, utf-16le, utf-16be)\n";
 
 }  // namespace
 
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
     if (command == "version") return CmdVersion(args);
     if (command == "find") return CmdFind(args);
     if (command == "compile") return CmdCompile(args);
+    if (command == "convert") return CmdConvert(args);
 #ifdef VKPCH_HAVE_REGEXP_FIND
     if (command == "grep") return CmdGrep(args);
 #endif

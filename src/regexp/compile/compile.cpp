@@ -20,6 +20,7 @@ Status Compile(const char* pattern, const char* options, RegExpState* state, int
     int captures = 0;
     if (Status s = PreScan(pattern, len, bits, &captures, errOffset)) return s;
     state->magic = kRegExpMagic;
+    ClearAnalysisStamp(state);  // a recompile must not find the old pattern's analysis
     state->options = bits;
     state->groupCount = captures + 1;
     state->format = 1;

@@ -26,11 +26,21 @@ constexpr long long BlockSize(long long patternBytes) {
 // Group ids run from 1 to 999; capture numbers too.
 constexpr int kMaxGroupIds = 1000;
 
-// The work area holds, for one search, a table of 32-byte entries indexed
-// by group id (first part) and the group result records indexed by capture
-// number (second part).
+// The work area holds a table of 32-byte entries indexed by group id
+// (first part) and the group result records of one search indexed by
+// capture number (second part).
 constexpr int kWorkFirstPart = 32000;
 constexpr int kWorkSecondPart = 16000;
+
+// The last kAnalysisBytes of the first part keep, between searches, what
+// the driver works out from the program alone (regexp/match/analysis.h).
+// Its first word is a stamp that the compiler clears; the analysis is kept
+// only when the group table ends below it, else it is worked out per
+// search and the stamp cleared after it.
+constexpr int kAnalysisBytes = 2048;
+constexpr int kAnalysisOffset = kWorkFirstPart - kAnalysisBytes;
+
+VKP_INLINE void ClearAnalysisStamp(RegExpState* s) { __builtin_memset(s->workArea + kAnalysisOffset, 0, 4); }
 
 VKP_INLINE Instruction* ProgramOf(RegExpState* s) {
     return reinterpret_cast<Instruction*>(reinterpret_cast<u8*>(s) + kHeadSize);

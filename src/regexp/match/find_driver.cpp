@@ -3,7 +3,7 @@
 #include "regexp/match/find_driver.h"
 
 #include "frame/entries.h"
-#include "regexp/match/first_bytes.h"
+#include "regexp/match/analysis.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/memo.h"
@@ -25,59 +25,29 @@ Literal LiteralOf(const Instruction& ins) {
     return {nullptr, 0};
 }
 
-bool IsOpener(u32 op) {
-    return op == OP_CAPTURE || op == OP_GROUP || op == OP_FLAGGROUP || op == OP_COND || op == OP_ATOMIC ||
-           op == OP_LOOKAHEAD || op == OP_NLOOKAHEAD || op == OP_LOOKBEHIND || op == OP_NLOOKBEHIND;
-}
-
-// The group table: for every group id its opener, OP_KET, repeat and
-// capture number.
-void FillGroupTable(const Instruction* program, int count, GroupEntry* groups) {
-    for (int i = 0; i < count; ++i) {
-        const Instruction& ins = program[i];
-        if (ins.op == OP_CLASS) {
-            i += ins.b > 0 ? ins.b : 0;
-            continue;
-        }
-        if (!IsOpener(ins.op)) continue;
-        const int id = ins.a < 0 ? -ins.a : ins.a;
-        const int ket = i + ins.b + 1;
-        if (id <= 0 || id >= kMaxGroupIds || ins.b < 0 || ket >= count) continue;
-        GroupEntry& g = groups[id];
-        g.iterStart = nullptr;
-        g.opener = i;
-        g.ket = ket;
-        g.count = 0;
-        const bool repeated = ket + 1 < count && IsRepeat(&program[ket + 1]);
-        g.repeated = repeated;
-        g.lazy = repeated && program[ket + 1].op == OP_LAZY_REPEAT;
-        g.min = repeated ? program[ket + 1].a : 1;
-        g.max = repeated ? program[ket + 1].b : 1;
-        g.capture = ins.op == OP_CAPTURE && ins.c > 0 && ins.c < kMaxGroupIds ? static_cast<u16>(ins.c) : 0;
-    }
-}
-
 void Append(const RegExpFind* records, int first, int count, RegExpFind* out, int cap, int* written) {
     for (int k = first; k < first + count && *written < cap; ++k) out[(*written)++] = records[k];
 }
 
-}  // namespace
+// A byte every match holds, searched for from pos on: *at caches where it
+// was last found.
+bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8** at) {
+    if (a.requiredByte < 0 || *at >= pos) return true;
+    const int len = static_cast<int>(end - pos);
+    const int i = a.requiredCaseless ? FindFolded(pos, len, static_cast<u8>(a.requiredByte))
+                                     : FindLiteral(pos, len, reinterpret_cast<const u8*>(&a.requiredByte), 1, false);
+    if (i < 0) return false;
+    *at = pos + i;
+    return true;
+}
 
-Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor, Memo* memo) {
+Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
+              int* numMatches, const char* stackFloor, Memo* memo) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
     const int groups = state->groupCount;
     int effLen = srcLen;
-
-    // The first top-level bar, if any.
-    int firstBar = count;
-    for (int i = 0; i < count; ++i)
-        if (program[i].op == OP_ALT && program[i].a == 0) {
-            firstBar = i;
-            break;
-        }
 
     // 1. Nothing of a match can lie beyond the last occurrence of the last
     // literal when only repeat records follow it. (Behind a top-level bar
@@ -125,43 +95,39 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
 
     // 3. A leading literal: start at its first occurrence, also when a lazy
     // repeat makes it optional (kind 1 says so); when the literal does not
-    // occur the full search runs.
+    // occur the full search runs, unless every match begins with it.
     const u8* start = src;
     if (state->patternKind == 1 && count > 0) {
         const Literal lit = LiteralOf(program[0]);
         if (lit.length > 0) {
-            const int i = FindLiteral(src, effLen, lit.bytes, lit.length, (program[0].c & kOptIgnoreCase) != 0);
+            const bool caseless = (program[0].c & kOptIgnoreCase) != 0;
+            const int i = FindLiteral(src, effLen, lit.bytes, lit.length, caseless);
             if (i > 0) {
                 start = src + i;
                 effLen -= i;
+            } else if (i < 0 && an.leadLiteral && (caseless || !(options & kOptIgnoreCase))) {
+                *numMatches = 0;
+                return kOk;
             }
         }
     }
 
-    // 4. Anchoring.
-    int anchorMode = 0;
-    int firstAlternative = 0;
-    if (count > 0 && program[0].op == OP_ANCHOR) {
-        firstAlternative = firstBar;
-        if (firstBar == count) {
-            const int a = program[0].a;
-            if (a == 'A' || a == 'G') anchorMode = 2;
-            else if (a == '^') anchorMode = options & kOptMultiline ? 1 : 2;
-            else if (a == 128) anchorMode = 1;  // the implicit anchor holds at line starts only
-            // An anchor that a repeat makes optional anchors nothing.
-            if (count > 1 && IsRepeat(&program[1]) && program[1].a == 0) anchorMode = 0;
-        }
+    // 4. A byte every match holds.
+    const u8* required = nullptr;
+    if (!RequiredByteAhead(an, start, start + effLen, &required)) {
+        *numMatches = 0;
+        return kOk;
     }
 
     // 5. The context.
-    GroupEntry* table = reinterpret_cast<GroupEntry*>(state->workArea);
-    FillGroupTable(program, count, table);
-    // Start positions whose byte cannot begin a match are passed over.
-    StartFilter filter;
-    if (anchorMode == 0) filter = MakeStartFilter(program, count, options);
-
+    const int anchorMode = an.anchorMode;
+    const int firstAlternative = an.firstAlternative;
     MatchContext ctx;
-    ctx.startFilter = filter.mode == StartFilter::kNone ? nullptr : &filter;
+    ctx.startFilter = an.filter.mode == StartFilter::kNone ? nullptr : &an.filter;
+    ctx.possessive = an.anyPossessive ? an.possessive : nullptr;
+    ctx.leadRepeat = an.leadRepeat >= 0 ? program + an.leadRepeat : nullptr;
+    ctx.leadRunEnd = nullptr;
+    ctx.classBits = an.anyClass ? an.classes : nullptr;
     ctx.end = program + count;
     ctx.options = options;
     ctx.notEmpty = 0;
@@ -177,7 +143,7 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     ctx.matchEnd = start;
     ctx.mustEndAt = nullptr;
     ctx.records = RecordsOf(state);
-    ctx.groups = table;
+    ctx.groups = reinterpret_cast<GroupEntry*>(state->workArea);
     ctx.stackFloor = stackFloor;
     ctx.stackExhausted = 0;
     BoundsInit(&ctx, memo, effLen, count, state->matchLimit);
@@ -207,6 +173,7 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     const u8* pos = start;
     const u8* const end = start + effLen;
     while (written < cap) {
+        if (!RequiredByteAhead(an, pos, end, &required)) break;
         ctx.notEmpty = 0;
         if (MatchStart(pos, static_cast<int>(end - pos), &ctx, anchorMode, firstAlternative) != 0) break;
         Append(ctx.records, firstRecord, perMatch, matches, cap, &written);
@@ -233,6 +200,19 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     }
     *numMatches = written;
     return written >= perMatch ? kOk : VKP_WARN_FEW_RECORDS;
+}
+
+}  // namespace
+
+Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
+                   const char* stackFloor, Memo* memo) {
+    // Room for an analysis that cannot be kept, written only then.
+    alignas(Analysis) u8 local[sizeof(Analysis)];
+    bool kept;
+    const Analysis* an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
+    const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor, memo);
+    if (!kept) ClearAnalysisStamp(state);
+    return s;
 }
 
 }  // namespace vkp::regexp

@@ -142,6 +142,14 @@ Outcome SequenceFirst(const Instruction* prog, int from, int to, u32* options, B
 
 }  // namespace
 
+bool ItemFirstBytes(const Instruction* program, int i, u32 options, ByteSet* set) {
+    return ItemFirst(program, i, &options, set) == kConsumes;
+}
+
+bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 options, ByteSet* set) {
+    return SequenceFirst(program, from, to, &options, set) == kConsumes;
+}
+
 bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set) {
     *set = ByteSet{};
     return count > 0 && AlternativesFirst(program, 0, count, 0, options, set) == kConsumes;
@@ -163,8 +171,16 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
     else if (n == 2 && first >= 'A' && first <= 'Z' && f.set.Has(static_cast<u8>(first | 0x20))) {
         f.mode = StartFilter::kFolded;
         f.byte = static_cast<u8>(first | 0x20);
+    } else if (n <= 4 && ascii) {
+        f.mode = StartFilter::kFew;
+        int k = 0;
+        for (int b = first; b < 128; ++b)
+            if (f.set.Has(static_cast<u8>(b))) f.few[k++] = static_cast<u8>(b);
+        for (; k < 4; ++k) f.few[k] = f.few[k - 1];
     } else if (n < 256) {
         f.mode = ascii ? StartFilter::kAscii : StartFilter::kAny;
+        for (int b = 0; b < 128; ++b)
+            if (f.set.Has(static_cast<u8>(b))) f.nibbles.low[b & 15] |= static_cast<u8>(1u << (b >> 4));
     }
     return f;
 }
@@ -184,10 +200,26 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             const int i = FindFolded(pos, len, f.byte);
             return i < 0 ? nullptr : pos + i;
         }
-        case StartFilter::kAscii:
-            for (; pos < end; ++pos)
-                if (f.set.Has(*pos)) return pos;
-            return nullptr;
+        case StartFilter::kLiteral: {
+            if (f.literal[0] >= 128 && format == 1) break;  // the byte scan keeps to character starts
+            const int i = FindLiteral(pos, len, f.literal, f.literalLength, f.caseless != 0);
+            return i < 0 ? nullptr : pos + i;
+        }
+        case StartFilter::kRunBefore: {
+            const int i = FindLiteral(pos, len, f.literal, f.literalLength, f.caseless != 0);
+            if (i < 0) return nullptr;
+            const u8* q = pos + i;
+            while (q > pos && f.run.Has(q[-1])) --q;
+            return q;
+        }
+        case StartFilter::kFew: {
+            const int i = FindAnyOf4(pos, len, f.few);
+            return i < 0 ? nullptr : pos + i;
+        }
+        case StartFilter::kAscii: {
+            const int i = FindInNibbleSet(pos, len, f.nibbles);
+            return i < 0 ? nullptr : pos + i;
+        }
         default: break;
     }
     for (; pos < end; pos += format == 1 ? CharLength(pos, end) : 1)

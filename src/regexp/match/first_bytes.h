@@ -5,6 +5,7 @@
 
 #include "frame/base.h"
 #include "regexp/compile/program.h"
+#include "regexp/match/literal_scan.h"
 
 namespace vkp::regexp {
 
@@ -29,11 +30,26 @@ struct ByteSet {
 // this analysis does not follow).
 bool FirstBytes(const Instruction* program, int count, u32 options, ByteSet* set);
 
+// The same for the single item at i, and for the sequence [from, to) of
+// one alternative (true when it must consume a character before its end),
+// under `options`; bytes are added to *set.
+bool ItemFirstBytes(const Instruction* program, int i, u32 options, ByteSet* set);
+bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 options, ByteSet* set);
+
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kAscii, kAny };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
+    u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
+    u8 caseless = 0;  // kLiteral, kRunBefore: a to z compare as A to Z
+    int literalLength = 0;
+    const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
+    NibbleSet nibbles{};  // kAscii: the set for the vector search
+    // kRunBefore: every match begins with a run of bytes of `run` (ASCII
+    // only) that the literal ends; the search goes from one occurrence of
+    // the literal back to the start of the run before it.
+    ByteSet run{};
     ByteSet set{};
 };
 

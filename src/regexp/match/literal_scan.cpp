@@ -1,7 +1,7 @@
 // Literal searches of the find driver.
 #include "regexp/match/literal_scan.h"
 
-#include <emmintrin.h>
+#include <tmmintrin.h>
 
 #include "search/find.h"
 
@@ -59,6 +59,43 @@ int FindFoldedRev(const u8* s, int len, u8 lower) {
     }
     for (--i; i >= 0; --i)
         if ((s[i] | 0x20) == lower) return i;
+    return -1;
+}
+
+int FindAnyOf4(const u8* s, int len, const u8 bytes[4]) {
+    const __m128i b0 = _mm_set1_epi8(static_cast<char>(bytes[0])), b1 = _mm_set1_epi8(static_cast<char>(bytes[1]));
+    const __m128i b2 = _mm_set1_epi8(static_cast<char>(bytes[2])), b3 = _mm_set1_epi8(static_cast<char>(bytes[3]));
+    int i = 0;
+    for (; i + 16 <= len; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i hit = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(x, b0), _mm_cmpeq_epi8(x, b1)),
+                                         _mm_or_si128(_mm_cmpeq_epi8(x, b2), _mm_cmpeq_epi8(x, b3)));
+        const int hits = _mm_movemask_epi8(hit);
+        if (hits) return i + __builtin_ctz(static_cast<unsigned>(hits));
+    }
+    for (; i < len; ++i)
+        if (s[i] == bytes[0] || s[i] == bytes[1] || s[i] == bytes[2] || s[i] == bytes[3]) return i;
+    return -1;
+}
+
+// Sixteen bytes at a time: the low nibble picks a mask of high nibbles
+// from the set's table, the high nibble picks its own bit (none for bytes
+// at or above 128); a byte is in the set when the two meet.
+int FindInNibbleSet(const u8* s, int len, const NibbleSet& set) {
+    const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(set.low));
+    const __m128i bitOf = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0);
+    const __m128i nibble = _mm_set1_epi8(0x0F);
+    int i = 0;
+    for (; i + 16 <= len; i += 16) {
+        const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i lo = _mm_shuffle_epi8(table, _mm_and_si128(x, nibble));
+        const __m128i hi = _mm_shuffle_epi8(bitOf, _mm_and_si128(_mm_srli_epi16(x, 4), nibble));
+        const __m128i miss = _mm_cmpeq_epi8(_mm_and_si128(lo, hi), _mm_setzero_si128());
+        const int hits = _mm_movemask_epi8(miss) ^ 0xFFFF;
+        if (hits) return i + __builtin_ctz(static_cast<unsigned>(hits));
+    }
+    for (; i < len; ++i)
+        if (s[i] < 128 && ((set.low[s[i] & 15] >> (s[i] >> 4)) & 1)) return i;
     return -1;
 }
 

@@ -16,4 +16,16 @@ int FindLiteralRev(const u8* s, int len, const u8* lit, int n, bool caseless);
 int FindFolded(const u8* s, int len, u8 lower);
 int FindFoldedRev(const u8* s, int len, u8 lower);
 
+// First index i below len at which s[i] is one of the four bytes, or -1.
+int FindAnyOf4(const u8* s, int len, const u8 bytes[4]);
+
+// A set of ASCII bytes as two nibble tables: byte b is in the set when
+// low[b & 15] has bit (b >> 4) set, b < 128.
+struct NibbleSet {
+    u8 low[16];
+};
+
+// First index i below len at which s[i] is in the set, or -1.
+int FindInNibbleSet(const u8* s, int len, const NibbleSet& set);
+
 }  // namespace vkp::regexp

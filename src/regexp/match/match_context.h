@@ -63,6 +63,13 @@ struct MatchContext {
     long long stepsLeft;            // calls of MatchHere before the search stops (memo.h)
     int cutoffs;                    // branches cut short by the depth budget
     int stepState;                  // 0 plain, -1 rerun; 1: the plain search gave up, 2: the rerun its cap
+    // From the program's analysis (analysis_hooks.h): a bit per repeat record
+    // whose item needs no backtracking (or null), and the repeat of a
+    // leading run with where it ended in the current attempt (or null).
+    const u8* possessive;
+    const Instruction* leadRepeat;
+    const u8* leadRunEnd;
+    const struct ClassBits* classBits;  // kClassSlots slots, or null
 };
 
 enum : u32 {

@@ -27,6 +27,7 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
             ctx->recordsDirty = 0;
         }
         ctx->options = options;
+        ctx->leadRunEnd = nullptr;
         for (const Instruction* alt = ctx->program;;) {
             ctx->attemptStart = pos;
             if (MatchHere(pos, ctx, alt, ctx->budget) == 0) {
@@ -39,6 +40,12 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
             alt = bar + 1;
         }
         if (anchorMode == 2 || pos >= end) break;
+        // A leading run that ended at leadRunEnd failed: so do the starts
+        // inside it (see analysis.cpp).
+        if (ctx->leadRunEnd > pos) {
+            pos = ctx->leadRunEnd;
+            continue;
+        }
         if (anchorMode == 1) {
             const u8* nl = static_cast<const u8*>(memchr(pos, '\n', end - pos));
             if (!nl) break;

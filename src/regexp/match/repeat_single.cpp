@@ -12,6 +12,7 @@
 // and the 32-byte argument home area per level).
 #include <string.h>
 
+#include "regexp/match/analysis_hooks.h"
 #include "regexp/match/items.h"
 #include "regexp/match/memo.h"
 
@@ -38,6 +39,7 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 // Continuations at p, p - step, ... down to lowest.
 VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
+    LimitBacktrack(p, &lowest, ctx, next);
     if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, step, ctx, next, budget);
     const int req = RequiredByte(next, ctx);
     for (;; p -= step) {
@@ -50,6 +52,7 @@ VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchCon
 // for items of one character each.
 VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
+    LimitBacktrack(p, &lowest, ctx, next);
     if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, 0, ctx, next, budget);
     const int req = RequiredByte(next, ctx);
     for (;;) {
@@ -181,7 +184,8 @@ struct TypeItem {
 struct ClassItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + ip->b + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
-        return ClassLength(p, ctx->subjectEnd, ip, ctx->options);
+        const int known = CachedClassTest(ctx, ip, *p);
+        return known >= 0 ? known : ClassLength(p, ctx->subjectEnd, ip, ctx->options);
     }
 };
 struct PropertyItem {

@@ -1,0 +1,95 @@
+// The first position at which two strings differ, exactly or ignoring the
+// case of A to Z, in blocks of V::kBytes.
+//
+// Eight blocks per step are compared and their equality masks combined; the
+// step with a difference is then resolved block by block. The final partial
+// block is taken flush with the end (the units before it are known equal, so
+// its first difference is the string's). Strings shorter than a block are
+// compared unit by unit. Nothing outside the two ranges is read.
+#pragma once
+
+#include "kernels/case_convert.h"
+#include "kernels/vec16.h"
+
+namespace vkp::kernels {
+
+// Units equal as they are.
+template <class T, class V>
+struct SameUnits {
+    VKP_INLINE bool Unit(T a, T b) const { return a == b; }
+    VKP_INLINE typename V::Reg Vector(typename V::Reg a, typename V::Reg b) const { return V::template Equal<T>(a, b); }
+};
+
+// Units equal once A to Z are folded to a to z: equal, or differing only in
+// bit 5 with a letter (a | 0x20 in a..z).
+template <class T, class V>
+struct SameIgnoringLatinCase {
+    using Reg = typename V::Reg;
+    RangeShift<T, V> small = LatinUpper<T, V>();
+    Reg caseBit = V::template Splat<T>(T(0x20));
+
+    VKP_INLINE bool Unit(T a, T b) const { return a == b || ((a ^ b) == 0x20 && T((a | 0x20) - 'a') < 26); }
+    VKP_INLINE Reg Vector(Reg a, Reg b) const {
+        const Reg caseOnly = V::And(V::template Equal<T>(V::Xor(a, b), caseBit), small.InRange(V::Or(a, caseBit)));
+        return V::Or(V::template Equal<T>(a, b), caseOnly);
+    }
+};
+
+// The first i in [from, to) where a[i] and b[i] are not the same, or to.
+template <class T, class Same>
+VKP_INLINE int MismatchUnits(const T* a, const T* b, int from, int to, const Same& same) {
+    for (int i = from; i < to; ++i)
+        if (!same.Unit(LoadUnit(a + i), LoadUnit(b + i))) return i;
+    return to;
+}
+
+// Mask of the units of one block that are not the same.
+template <class T, class V, class Same>
+VKP_INLINE u32 DiffMask(typename V::Reg a, typename V::Reg b, const Same& same) {
+    return ~V::ByteMask(same.Vector(a, b)) & V::kAllBytes;
+}
+
+// The first i < len where a[i] and b[i] are not the same, or len.
+template <class T, class V, class Same>
+int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
+    constexpr int per = V::kBytes / int(sizeof(T));
+    if (len < per) return MismatchUnits(a, b, 0, len, same);
+    int i = 0;
+    for (; i + 8 * per <= len; i += 8 * per) {
+        auto eq = same.Vector(V::Load(a + i), V::Load(b + i));
+        for (int k = 1; k < 8; ++k) eq = V::And(eq, same.Vector(V::Load(a + i + k * per), V::Load(b + i + k * per)));
+        if (V::ByteMask(eq) != V::kAllBytes) break;
+    }
+    for (; i + per <= len; i += per)
+        if (u32 m = DiffMask<T, V>(V::Load(a + i), V::Load(b + i), same)) return i + LowBit(m) / int(sizeof(T));
+    if (i < len) {
+        const int j = len - per;
+        if (u32 m = DiffMask<T, V>(V::Load(a + j), V::Load(b + j), same)) return j + LowBit(m) / int(sizeof(T));
+    }
+    return len;
+}
+
+// Units equal under the case map's lower-case mapping.
+struct SameLowerCase {
+    VKP_INLINE bool Unit(u16 a, u16 b) const { return CaseMapped<true>(a) == CaseMapped<true>(b); }
+};
+
+// The first i < len at which the full lower-case mappings of a[i] and b[i]
+// differ, or len. Blocks of units below 0x80 compare Latin-folded.
+template <class V>
+int FirstMismatchFolded(const u16* a, const u16* b, int len) {
+    constexpr int per = V::kBytes / 2;
+    const SameIgnoringLatinCase<u16, V> latin;
+    int i = 0;
+    for (; i + per <= len; i += per) {
+        const auto x = V::Load(a + i), y = V::Load(b + i);
+        if (AsciiBlock<V>(V::Or(x, y))) {
+            if (u32 m = DiffMask<u16, V>(x, y, latin)) return i + LowBit(m) / 2;
+        } else if (int k = MismatchUnits(a, b, i, i + per, SameLowerCase{}); k < i + per) {
+            return k;
+        }
+    }
+    return MismatchUnits(a, b, i, len, SameLowerCase{});
+}
+
+}  // namespace vkp::kernels

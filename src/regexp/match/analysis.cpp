@@ -1,0 +1,254 @@
+// The per-program analysis of the find driver, worked out once per compiled
+// block and kept in its work area.
+#include "regexp/match/analysis.h"
+
+#include "regexp/match/items.h"
+
+namespace vkp::regexp {
+
+namespace {
+
+constexpr u32 kAnalysisStamp = 0x5EA2C4B1;
+constexpr int kMaxWalkDepth = 64;  // deeper groups are not looked into (no bit set: always safe)
+
+// The group table: for every group id its opener, OP_KET, repeat and
+// capture number. Returns the highest id.
+int FillGroupTable(const Instruction* program, int count, GroupEntry* groups) {
+    int highest = 0;
+    for (int i = 0; i < count; ++i) {
+        const Instruction& ins = program[i];
+        if (ins.op == OP_CLASS) {
+            i += ins.b > 0 ? ins.b : 0;
+            continue;
+        }
+        if (!IsOpener(ins.op)) continue;
+        const int id = ins.a < 0 ? -ins.a : ins.a;
+        const int ket = i + ins.b + 1;
+        if (id <= 0 || id >= kMaxGroupIds || ins.b < 0 || ket >= count) continue;
+        if (id > highest) highest = id;
+        GroupEntry& g = groups[id];
+        g.iterStart = nullptr;
+        g.opener = i;
+        g.ket = ket;
+        g.count = 0;
+        const bool repeated = ket + 1 < count && IsRepeat(&program[ket + 1]);
+        g.repeated = repeated;
+        g.lazy = repeated && program[ket + 1].op == OP_LAZY_REPEAT;
+        g.min = repeated ? program[ket + 1].a : 1;
+        g.max = repeated ? program[ket + 1].b : 1;
+        g.capture = ins.op == OP_CAPTURE && ins.c > 0 && ins.c < kMaxGroupIds ? static_cast<u16>(ins.c) : 0;
+    }
+    return highest;
+}
+
+bool Disjoint(const ByteSet& x, const ByteSet& y) {
+    u32 common = 0;
+    for (int k = 0; k < 8; ++k) common |= x.bits[k] & y.bits[k];
+    return common == 0;
+}
+
+// Keeps the ASCII members of the class at i under `options`, when its
+// slot is free.
+void KeepClass(const Instruction* prog, int i, u32 options, Analysis* a) {
+    ClassBits& k = a->classes[ClassSlot(&prog[i])];
+    if (k.cls) return;
+    k.cls = &prog[i];
+    k.options = options;
+    for (int c = 0; c < 128; ++c)
+        if (ClassContains(&prog[i], c, options)) k.bits[c >> 5] |= u32(1) << (c & 31);
+    a->anyClass = 1;
+}
+
+// Walks the alternatives of [from, to) (bars with a == link): keeps the
+// ASCII members of repeated classes, and marks the greedy single-item
+// repeats whose continuation within the alternative must begin with a byte
+// the item can never begin with: at every shorter run the next character
+// is one the item matched, so the continuation cannot start there.
+void MarkItems(const Instruction* prog, int from, int to, int link, u32 options, int depth, Analysis* a) {
+    for (int i = from; i < to;) {
+        const Instruction& ins = prog[i];
+        if (ins.op == OP_ALT && ins.a == link) {
+            options = static_cast<u32>(ins.b);
+            ++i;
+            continue;
+        }
+        if (ins.op == OP_SETFLAGS) options = static_cast<u32>(ins.a);
+        const int next = NextItem(prog, i);
+        if (next > to) return;  // malformed: nothing more is marked
+        if (ins.op == OP_CLASS && next < to && vkp::IsRepeat(prog[next].op)) KeepClass(prog, i, options, a);
+        if (IsOpener(ins.op)) {
+            if (depth < kMaxWalkDepth) {
+                const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : options;
+                MarkItems(prog, i + 1, next - 1, ins.a, inner, depth + 1, a);
+            }
+            options = static_cast<u32>(prog[next - 1].b);  // as the OP_KET restores them
+        } else if (next < to && prog[next].op == OP_GREEDY_REPEAT && next < kPossessiveBits &&
+                   (IsSingleItem(ins.op) || ins.op == OP_CLASS)) {
+            int altEnd = next + 1;
+            while (altEnd < to && !(prog[altEnd].op == OP_ALT && prog[altEnd].a == link))
+                altEnd = NextItem(prog, altEnd);
+            ByteSet item{}, follow{};
+            if (altEnd <= to && ItemFirstBytes(prog, i, options, &item) &&
+                SequenceFirstBytes(prog, next + 1, altEnd, options, &follow) && Disjoint(item, follow)) {
+                a->possessive[next >> 3] |= static_cast<u8>(1u << (next & 7));
+                a->anyPossessive = 1;
+            }
+        }
+        i = next < to && vkp::IsRepeat(prog[next].op) ? next + 1 : next;
+    }
+}
+
+// Back-references and conditions read capture records, which a failed
+// path inside an attempt may leave set.
+bool ReadsCaptures(const Instruction* prog, int count) {
+    for (int i = 0; i < count; ++i) {
+        if (prog[i].op == OP_BACKREF || prog[i].op == OP_COND) return true;
+        if (prog[i].op == OP_CLASS && prog[i].b > 0) i += prog[i].b;
+    }
+    return false;
+}
+
+bool IsLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
+
+// A byte of a literal that every match holds: one of the top-level
+// sequence (the program has one alternative) that no repeat makes
+// optional, the first after the leading item if there is one.
+void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis* a) {
+    a->requiredByte = -1;
+    for (int i = 0; i < count;) {
+        const Instruction& ins = prog[i];
+        if (ins.op == OP_SETFLAGS) options = static_cast<u32>(ins.a);
+        const int next = NextItem(prog, i);
+        if (next > count) return;  // malformed: the byte found so far, if any, still holds
+        const bool repeated = next < count && vkp::IsRepeat(prog[next].op);
+        const bool literal = ins.op == OP_CHAR || (ins.op == OP_STRING && ins.b > 0);
+        if (literal && !(repeated && prog[next].a == 0)) {
+            const u8 b = ins.op == OP_CHAR ? static_cast<u8>(ins.a) : static_cast<const u8*>(ins.d)[0];
+            const bool caseless = ((options | static_cast<u32>(ins.c)) & kOptIgnoreCase) && IsLetter(b);
+            a->requiredByte = caseless ? (b | 0x20) : b;
+            a->requiredCaseless = caseless;
+            if (i > 0) return;
+        }
+        if (IsOpener(ins.op)) options = static_cast<u32>(prog[next - 1].b);
+        i = repeated ? next + 1 : next;
+    }
+}
+
+// A program of one alternative that begins with a repeat of one item whose
+// members are all ASCII, followed by a literal that no repeat follows: a
+// match from s holds the literal at some p >= s with only members of the
+// item in [s, p). So with q the first occurrence of the literal from the
+// search position on, every match starts at or after the start of the run
+// of members that ends at q (a start before it would need a run reaching
+// an occurrence at or after q, across that start). The search goes from
+// one occurrence to the next and back over the run before it.
+void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* a) {
+    if (count < 3 || !(IsSingleItem(prog[0].op) || prog[0].op == OP_CLASS)) return;
+    const int r = NextItem(prog, 0);
+    const int f = r + 1;
+    if (f >= count || !vkp::IsRepeat(prog[r].op)) return;
+    if (prog[f].op != OP_CHAR && !(prog[f].op == OP_STRING && prog[f].b > 0)) return;
+    if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op)) return;
+    const u8* lit = prog[f].op == OP_CHAR ? reinterpret_cast<const u8*>(&prog[f].a)  // little-endian: a's low byte
+                                          : static_cast<const u8*>(prog[f].d);
+    const int n = prog[f].op == OP_CHAR ? 1 : prog[f].b;
+    const bool caseless = ((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) != 0;
+    for (int k = 0; k < n; ++k)  // a caseless search folds ASCII letters only
+        if (lit[k] >= 128 && (k == 0 || caseless)) return;
+    ByteSet run{};
+    if (!ItemFirstBytes(prog, 0, options, &run)) return;
+    for (int k = 4; k < 8; ++k)
+        if (run.bits[k]) return;
+    a->filter.mode = StartFilter::kRunBefore;
+    a->filter.literal = lit;
+    a->filter.literalLength = n;
+    a->filter.caseless = caseless;
+    a->filter.run = run;
+}
+
+}  // namespace
+
+int Analyze(const Instruction* program, int count, u32 options, GroupEntry* groups, Analysis* a) {
+    *a = Analysis{};
+    a->leadRepeat = -1;
+    a->requiredByte = -1;
+    // The first top-level bar, if any.
+    int firstBar = count;
+    for (int i = 0; i < count; ++i)
+        if (program[i].op == OP_ALT && program[i].a == 0) {
+            firstBar = i;
+            break;
+        }
+    // Anchoring. After the first alternative the search for the next one
+    // starts at the first top-level bar.
+    a->firstAlternative = firstBar;
+    if (count > 0 && program[0].op == OP_ANCHOR) {
+        if (firstBar == count) {
+            const int c = program[0].a;
+            if (c == 'A' || c == 'G') a->anchorMode = 2;
+            else if (c == '^') a->anchorMode = options & kOptMultiline ? 1 : 2;
+            else if (c == 128) a->anchorMode = 1;  // the implicit anchor holds at line starts only
+            // An anchor that a repeat makes optional anchors nothing.
+            if (count > 1 && IsRepeat(&program[1]) && program[1].a == 0) a->anchorMode = 0;
+        }
+    }
+    // Start positions whose byte cannot begin a match are passed over.
+    if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
+    a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
+                     !(count > 1 && vkp::IsRepeat(program[1].op));
+    // A program of one alternative that begins with a literal of two bytes
+    // or more, which no repeat follows: every match begins with it, so the
+    // search goes from one occurrence to the next.
+    if (a->filter.mode != StartFilter::kNone && a->leadLiteral && program[0].op == OP_STRING && program[0].b >= 2) {
+        a->filter.mode = StartFilter::kLiteral;
+        a->filter.literal = static_cast<const u8*>(program[0].d);
+        a->filter.literalLength = program[0].b;
+        a->filter.caseless = ((options | static_cast<u32>(program[0].c)) & kOptIgnoreCase) != 0;
+    }
+    if (firstBar == count) FindRequiredByte(program, count, options, a);
+    MarkItems(program, 0, count, 0, options, 0, a);
+    // A leading unlimited greedy run of one item: an attempt at s that ran
+    // to e and failed has tried the rest of the program at every position
+    // from s + min to e, each time in the same state (nothing before the
+    // run sets any). From a start inside the run the run ends at e too and
+    // the rest would be tried at some of the same positions: the search
+    // goes on at e.
+    if (count > 1 && firstBar == count && a->anchorMode == 0 && !ReadsCaptures(program, count) &&
+        (IsSingleItem(program[0].op) || program[0].op == OP_CLASS)) {
+        const int r = NextItem(program, 0);
+        if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
+    }
+    if (a->anchorMode == 0 && firstBar == count) FilterRunBefore(program, count, options, a);
+    // A required byte that the start filter searches for already adds a
+    // second scan and nothing else.
+    const StartFilter& f = a->filter;
+    const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore;
+    const int filterByte = f.mode == StartFilter::kByte ? f.byte : literal && !f.caseless ? f.literal[0] : -1;
+    if (!a->requiredCaseless && a->requiredByte == filterByte) a->requiredByte = -1;
+    return FillGroupTable(program, count, groups);
+}
+
+const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept) {
+    auto* cached = reinterpret_cast<Analysis*>(state->workArea + kAnalysisOffset);
+    *kept = true;
+    if (cached->stamp == kAnalysisStamp && cached->options == state->options &&
+        cached->count == state->instructionCount && cached->groupCount == state->groupCount &&
+        cached->lastLiteralIndex == state->lastLiteralIndex && cached->patternKind == state->patternKind)
+        return cached;
+    auto* groups = reinterpret_cast<GroupEntry*>(state->workArea);
+    const int highest = Analyze(ProgramOf(state), state->instructionCount, state->options, groups, local);
+    local->options = state->options;
+    local->count = state->instructionCount;
+    local->groupCount = state->groupCount;
+    local->lastLiteralIndex = state->lastLiteralIndex;
+    local->patternKind = state->patternKind;
+    if ((highest + 1) * static_cast<int>(sizeof(GroupEntry)) > kAnalysisOffset) {
+        *kept = false;
+        return local;
+    }
+    *cached = *local;
+    cached->stamp = kAnalysisStamp;
+    return cached;
+}
+
+}  // namespace vkp::regexp

@@ -1,0 +1,52 @@
+// What the find driver works out from the program alone: anchoring, the
+// bytes a match can begin with, a byte every match holds, the repeats that
+// need no backtracking, the ASCII members of classes and the group table.
+// Worked out on the first search of a compiled block and kept in its work
+// area (see state.h) for the searches that follow. It depends on the
+// program and its options only; the match limit and the format are read
+// from the header by each search.
+#pragma once
+
+#include "regexp/compile/state.h"
+#include "regexp/match/analysis_hooks.h"
+#include "regexp/match/first_bytes.h"
+
+namespace vkp::regexp {
+
+struct Analysis {
+    u32 stamp;             // kAnalysisStamp when the rest is valid
+    u32 options;           // the header words it was worked out for
+    int count;
+    int groupCount;
+    int lastLiteralIndex;
+    int patternKind;
+    int anchorMode;        // as MatchStart takes it
+    int firstAlternative;  // where MatchStart looks for the next top-level bar
+    int requiredByte;      // a byte every match holds, or -1
+    u8 requiredCaseless;   // ... in either case: a lower-case letter
+    u8 anyPossessive;      // some bit of `possessive` is set
+    u8 leadLiteral;        // every match begins with the literal at index 0
+    int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
+    StartFilter filter;    // kNone when anchored or unknown
+    // Greedy repeats of one item whose continuation cannot begin with
+    // anything the item matches: a shorter run can never help, so the
+    // matcher tries the continuation at the longest run only. Indexed by
+    // the repeat record.
+    u8 possessive[kPossessiveBits / 8];
+    ClassBits classes[kClassSlots];  // ASCII members of classes, for the matcher
+    u8 anyClass;           // some slot of `classes` is used
+};
+static_assert(sizeof(Analysis) <= kAnalysisBytes);
+
+// The analysis for the block's program: the kept one when it is valid for
+// the header, else worked out now (filling the group table) and kept when
+// the group table leaves room for it, or left in *local. *kept tells which;
+// when false the caller clears the stamp after the search, because the
+// group table may have written over it.
+const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept);
+
+// The same, worked out for any program into *a; returns the highest group
+// id of the program and fills the group table at `groups`.
+int Analyze(const Instruction* program, int count, u32 options, GroupEntry* groups, Analysis* a);
+
+}  // namespace vkp::regexp
