@@ -36,12 +36,14 @@ bool JoinBudgets(MemoSpan* s, int bmin, int bmax) {
 
 }  // namespace
 
+// The constants leave room for short subjects on which a heavily
+// backtracking search takes millions of steps and still ends.
 long long SearchSteps(int length, int count) {
-    return 4ll * (length + 1ll) * (count + 1ll) + 100000;
+    return 4ll * (length + 1ll) * (count + 1ll) + 1000000;
 }
 
 long long CapSteps(int length, int count, int matchLimit) {
-    return 4ll * (length + 1ll) * (count + 2ll) + 100ll * matchLimit + 1000000;
+    return 4ll * (length + 1ll) * (count + 2ll) + 1000ll * matchLimit + 10000000;
 }
 
 void BoundsInit(MatchContext* ctx, Memo* memo, int length, int count, int matchLimit) {
