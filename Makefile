@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets. `make demo` and `make test` install
 # what is missing (scripts/install-deps.sh), configure, build and run.
-.PHONY: all deps demo test test-native test-sanitize test-windows fuzz bench install clean regen-unicode
+.PHONY: all deps demo test test-native test-sanitize test-tsan test-windows fuzz bench install clean regen-unicode
 
 FUZZ_SECONDS ?= 20
 FUZZ_REGEXP_SECONDS ?= 60
@@ -27,8 +27,8 @@ demo: deps
 	@printf '%s\n' "== vkpch grep -o '[A-Z]\\w+' data/sample.txt"
 	@build/native/bin/vkpch grep -o '[A-Z]\w+' data/sample.txt | tr '\n' ' '; echo
 
-test: deps test-native test-sanitize test-windows
-	@echo "make test: native, sanitizer and Windows suites passed"
+test: deps test-native test-sanitize test-tsan test-windows
+	@echo "make test: native, sanitizer, ThreadSanitizer and Windows suites passed"
 
 test-native:
 	cmake --preset native
@@ -40,6 +40,12 @@ test-sanitize:
 	cmake --build --preset sanitize
 	ctest --preset sanitize
 	$(MAKE) fuzz
+
+# The library and the thread test under ThreadSanitizer.
+test-tsan:
+	cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
 
 test-windows:
 	cmake --preset mingw

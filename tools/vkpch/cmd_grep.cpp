@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "commands.h"
+#include "grep_buffer.h"
 #include "input.h"
 #include "vkpch.h"
 
@@ -68,12 +70,15 @@ public:
         : s_(s), lines_(lines), matches_(matches), perMatch_(matchesPerRecordBlock) {}
 
     bool failed = false;
+    bool wholeBuffer = false;  // search many lines at once (grep_buffer.h)
 
     // Searches every line of data (which ends with a line feed, the readable
     // byte behind the last subject). Returns the number of matching lines.
     int64_t Run(const std::vector<unsigned char>& data, const std::string& prefix, const std::string& name) {
         int64_t matching = 0, lineNo = 0;
-        for (size_t start = 0; start < data.size();) {
+        size_t start = 0;
+        if (wholeBuffer) start = SearchWholeBuffer(data, prefix, &lineNo, &matching);
+        while (start < data.size()) {
             size_t end = start;
             while (data[end] != '\n') ++end;
             ++lineNo;
@@ -91,6 +96,19 @@ public:
     }
 
 private:
+    size_t SearchWholeBuffer(const std::vector<unsigned char>& data, const std::string& prefix, int64_t* lineNo,
+                             int64_t* matching) {
+        const bool global = s_.onlyMatches && !s_.count;
+        BufferSearch search{global ? matches_->State() : lines_.State(), perMatch_,
+                            [&](const unsigned char* text, int len, int64_t line) {
+                                if (s_.count) return;
+                                Prefix(prefix, line);
+                                std::fwrite(text, 1, size_t(len), stdout);
+                                std::putchar('\n');
+                            }};
+        return SearchBuffer(data, search, lineNo, matching);
+    }
+
     void Prefix(const std::string& prefix, int64_t lineNo) {
         std::fputs(prefix.c_str(), stdout);
         if (s_.lineNumbers) std::printf("%lld:", static_cast<long long>(lineNo));
@@ -198,6 +216,9 @@ int CmdGrep(const Args& args) {
     }
 
     Grep grep(s, lines, &matches, perMatch);
+    // VKPCH_GREP_LINES=1 keeps to the line-by-line search (the tests compare both).
+    const char* linesOnly = std::getenv("VKPCH_GREP_LINES");
+    grep.wholeBuffer = SearchableAcrossLines(lines.State()) && !(linesOnly && *linesOnly == '1');
     int64_t found = 0;
     std::vector<unsigned char> data;
     for (const std::string& file : files) {

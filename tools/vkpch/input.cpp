@@ -11,10 +11,21 @@ bool ReadInput(const std::string& path, std::vector<unsigned char>& data, std::s
         error = path + ": " + std::strerror(errno);
         return false;
     }
-    data.clear();
-    unsigned char buf[1 << 16];
+    // Reads straight into data, which grows by doubling (from the file's size
+    // when it has one), plus one byte for a line feed the caller may add.
+    size_t size = 0, room = 1 << 16;
+    if (!useStdin && std::fseek(f, 0, SEEK_END) == 0) {
+        const long end = std::ftell(f);
+        if (end > 0) room = size_t(end) + 1;
+        std::rewind(f);
+    }
+    data.resize(room);
     size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) data.insert(data.end(), buf, buf + n);
+    while ((n = std::fread(data.data() + size, 1, data.size() - size, f)) > 0) {
+        size += n;
+        if (size == data.size()) data.resize(2 * data.size());
+    }
+    data.resize(size);
     const bool failed = std::ferror(f) != 0;
     if (!useStdin) std::fclose(f);
     if (failed) error = path + ": read error";

@@ -6,6 +6,7 @@
 #include "regexp/match/analysis.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
+#include "regexp/match/memo.h"
 #include "regexp/match/stack_limit.h"
 #include "regexp/match/utf8.h"
 
@@ -41,7 +42,7 @@ bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8
 }
 
 Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
-              int* numMatches, const char* stackFloor, bool allRecords) {
+              int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
@@ -145,10 +146,12 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
     ctx.groups = reinterpret_cast<GroupEntry*>(state->workArea);
     ctx.stackFloor = stackFloor;
     ctx.stackExhausted = 0;
+    BoundsInit(&ctx, memo, effLen, count, state->matchLimit);
 
     // 6. Single search.
     if (!(options & kOptGlobal)) {
         if (MatchStart(start, effLen, &ctx, anchorMode, firstAlternative) != 0) {
+            if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
             if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
             *numMatches = 0;
             return kOk;
@@ -189,6 +192,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
         }
         pos = matchStart + step;
     }
+    if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
     if (written == 0) {
         if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
         *numMatches = 0;
@@ -201,14 +205,22 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
 }  // namespace
 
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor, bool allRecords) {
+                   const char* stackFloor, Memo* memo, bool allRecords) {
     // Room for an analysis that cannot be kept, written only then.
     alignas(Analysis) u8 local[sizeof(Analysis)];
     bool kept;
     const Analysis* an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
-    const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor, allRecords);
+    const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor, memo, allRecords);
     if (!kept) ClearAnalysisStamp(state);
     return s;
+}
+
+Status FindTimeBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
+                       bool allRecords) {
+    const char* floor = ThreadStackFloor();
+    const Status st = FindInState(src, srcLen, state, matches, numMatches, floor, nullptr, allRecords);
+    if (st != kSearchAgain) return st;
+    return FindBounded(src, srcLen, state, matches, numMatches, floor, allRecords);
 }
 
 }  // namespace vkp::regexp
@@ -220,7 +232,7 @@ Status vkpsRegExpFind_8u(const u8* pSrc, int srcLen, RegExpState* pState, RegExp
     if (srcLen < 0) return kErrLength;
     if (*pNumMatches < 1) return kErrSize;
     if (pState->magic != kRegExpMagic) return VKP_ERR_NOT_COMPILED;
-    return regexp::FindInState(pSrc, srcLen, pState, pMatches, pNumMatches, regexp::ThreadStackFloor());
+    return regexp::FindTimeBounded(pSrc, srcLen, pState, pMatches, pNumMatches, false);
 }
 
 }  // namespace vkp::entry

@@ -13,6 +13,7 @@
 // - Options set inside a group end with it; each alternative starts with
 //   the options in force at its bar.
 #include "regexp/match/match_context.h"
+#include "regexp/match/memo.h"
 
 namespace vkp::regexp {
 
@@ -93,7 +94,7 @@ VKP_INLINE int TryBody(const u8* pos, MatchContext* ctx, const Instruction* open
 
 // The end of one iteration of a repeated group: another iteration (before
 // the continuation when greedy, after it when lazy) or the continuation.
-__attribute__((noinline)) int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
+VKP_INLINE int IterateGroup(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
     GroupEntry* g = GroupOf(ctx, ket->a);
     const u8* const start = g->iterStart;
     const Instruction* opener = ctx->program + g->opener;
@@ -125,6 +126,18 @@ __attribute__((noinline)) int NextIteration(const u8* pos, MatchContext* ctx, co
         g->iterStart = start;
     }
     return 1;
+}
+
+__attribute__((noinline)) int NextIterationMemo(const u8* pos, MatchContext* ctx, const Instruction* ket,
+                                                int budget) {
+    return MemoRun(ctx, ket, pos, kMemoGroupIteration, budget, [&] { return IterateGroup(pos, ctx, ket, budget); });
+}
+
+// Where paths through a repeated group meet again: a bounded search looks up
+// and records this state.
+__attribute__((noinline)) int NextIteration(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) return NextIterationMemo(pos, ctx, ket, budget);
+    return IterateGroup(pos, ctx, ket, budget);
 }
 
 // The end of an iteration of a capturing group: its record takes the

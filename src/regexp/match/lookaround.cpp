@@ -78,7 +78,10 @@ template <bool kCapturing>
 int AtomicGreedy(const u8* pos, MatchContext* ctx, const Instruction* ip, const Instruction* rep, int count,
                  int budget) {
     if (VKP_UNLIKELY(StackPointer() < ctx->stackFloor)) return OutOfStack(ctx);
-    if (budget <= 0) return 1;
+    if (budget <= 0) {
+        ++ctx->cutoffs;
+        return 1;
+    }
     --budget;
     const Instruction* after = rep + 1;
     if (count < rep->b) {

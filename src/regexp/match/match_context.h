@@ -59,6 +59,10 @@ struct MatchContext {
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
     const struct StartFilter* startFilter;  // bytes a match can begin with, or null
+    struct Memo* memo;              // failures known so far (the bounded rerun), or null
+    long long stepsLeft;            // calls of MatchHere before the search stops (memo.h)
+    int cutoffs;                    // branches cut short by the depth budget
+    int stepState;                  // 0 plain, -1 rerun; 1: the plain search gave up, 2: the rerun its cap
     // From the program's analysis (analysis_hooks.h): a bit per repeat record
     // whose item needs no backtracking (or null), and the repeat of a
     // leading run with where it ended in the current attempt (or null).

@@ -7,6 +7,7 @@
 #include <string.h>
 
 #include "regexp/match/items.h"
+#include "regexp/match/memo.h"
 
 namespace vkp::regexp {
 
@@ -43,11 +44,15 @@ __attribute__((noinline, cold)) int OutOfStack(MatchContext* ctx) {
 
 int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
     if (VKP_UNLIKELY(StackPointer() < ctx->stackFloor)) return OutOfStack(ctx);
+    if (VKP_UNLIKELY(--ctx->stepsLeft < 0)) return StepLimitReached(ctx);
     const u8* const end = ctx->subjectEnd;
     for (;;) {
         // Each step is one level of nesting; a branch that would go deeper
         // than the budget fails like a mismatch.
-        if (budget <= 0) return 1;
+        if (VKP_UNLIKELY(budget <= 0)) {
+            ++ctx->cutoffs;
+            return 1;
+        }
         --budget;
     dispatch:
         if (ip == ctx->end) return ctx->end == ctx->programEnd ? TopLevelEnd(pos, ctx) : SubprogramEnd(pos, ctx);

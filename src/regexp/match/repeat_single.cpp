@@ -14,6 +14,7 @@
 
 #include "regexp/match/analysis_hooks.h"
 #include "regexp/match/items.h"
+#include "regexp/match/memo.h"
 
 namespace vkp::regexp {
 
@@ -38,8 +39,9 @@ VKP_INLINE bool MayStart(const u8* p, int req, const MatchContext* ctx) {
 // Continuations at p, p - step, ... down to lowest.
 VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchContext* ctx,
                                              const Instruction* next, int budget) {
-    const int req = RequiredByte(next, ctx);
     LimitBacktrack(p, &lowest, ctx, next);
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, step, ctx, next, budget);
+    const int req = RequiredByte(next, ctx);
     for (;; p -= step) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
@@ -50,8 +52,9 @@ VKP_INLINE int BacktrackFixed(const u8* p, const u8* lowest, long step, MatchCon
 // for items of one character each.
 VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
                                              const Instruction* next, int budget) {
-    const int req = RequiredByte(next, ctx);
     LimitBacktrack(p, &lowest, ctx, next);
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) return BacktrackMemo(p, lowest, 0, ctx, next, budget);
+    const int req = RequiredByte(next, ctx);
     for (;;) {
         if (MayStart(p, req, ctx) && MatchHere(p, ctx, next, budget) == 0) return 0;
         if (p <= lowest) return 1;
@@ -68,7 +71,11 @@ __attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, cons
     const u8* const stop = pos + (rep->b < rem ? rep->b : rem);
     const u8* p = pos;
     const Test test(ip, ctx);
+    // A bounded search knows the ends of runs it has taken already.
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) p = KnownRunEnd(ctx, ip, pos, stop);
+    const u8* const scanned = p;
     while (p < stop && test(*p)) ++p;
+    if (VKP_UNLIKELY(p - scanned >= 64 || ctx->memo != nullptr)) NoteRun(ctx, ip, pos, scanned, p, stop);
     const u8* const lowest = pos + rep->a;
     if (p < lowest) return 1;
     return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);

@@ -7,7 +7,6 @@
 #include "frame/entries.h"
 #include "kernels/copy.h"
 #include "regexp/match/find_driver.h"
-#include "regexp/match/stack_limit.h"
 
 namespace vkp::regexp {
 namespace {
@@ -50,7 +49,7 @@ bool Expand(Output* out, const vkpRegExpReplaceState* tmpl, const RegExpFind* re
 static Status Replace(const u8* src, int* srcLen, u8* dst, int* dstLen, RegExpFind* matches, int* numMatches,
                RegExpState* state, const vkpRegExpReplaceState* tmpl) {
     const bool global = (state->options & VKP_REGEXP_GLOBAL) != 0;
-    const Status status = FindInState(src, *srcLen, state, matches, numMatches, ThreadStackFloor(), global);
+    const Status status = FindTimeBounded(src, *srcLen, state, matches, numMatches, global);
     if (status < 0) return status;
     const int records = *numMatches;
     Output out{dst, *dstLen, 0};
