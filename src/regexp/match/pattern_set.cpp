@@ -2,7 +2,6 @@
 // non-zero identifiers, searched one after another on one subject. The block
 // is {capacity, slot array pointer, identifier array pointer}, then the
 // capacity pattern pointers, then the capacity identifiers.
-#include <emmintrin.h>
 #include <limits.h>
 
 #include "frame/entries.h"
@@ -27,36 +26,18 @@ long long SetBlockSize(int maxPatterns) {
     return size > INT_MAX ? -1 : size;
 }
 
-// The lowest slot whose identifier is id, or -1; four identifiers a step.
+// The lowest slot whose identifier is id, or -1. Sets are small and these
+// lookups run only when the set is changed, so a plain scan serves.
 int FindId(const MultiState* s, int id) {
-    const int n = s->capacity;
-    const int* ids = s->pIds;
-    const __m128i key = _mm_set1_epi32(id);
-    int i = 0;
-    for (; i + 4 <= n; i += 4) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(ids + i));
-        const unsigned m = unsigned(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(v, key))));
-        if (m) return i + __builtin_ctz(m);
-    }
-    for (; i < n; ++i)
-        if (ids[i] == id) return i;
+    for (int i = 0; i < s->capacity; ++i)
+        if (s->pIds[i] == id) return i;
     return -1;
 }
 
-// The lowest free slot, or -1; two pointers a step (a pointer is null when
-// both its 32-bit halves are zero).
+// The lowest free slot, or -1.
 int FindFree(const MultiState* s) {
-    const int n = s->capacity;
-    const RegExpState* const* slots = s->pPatterns;
-    int i = 0;
-    for (; i + 2 <= n; i += 2) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(slots + i));
-        const __m128i zero = _mm_cmpeq_epi32(v, _mm_setzero_si128());
-        const unsigned m = unsigned(_mm_movemask_pd(_mm_castsi128_pd(_mm_and_si128(zero, _mm_shuffle_epi32(zero, 0xB1)))));
-        if (m) return i + __builtin_ctz(m);
-    }
-    for (; i < n; ++i)
-        if (!slots[i]) return i;
+    for (int i = 0; i < s->capacity; ++i)
+        if (!s->pPatterns[i]) return i;
     return -1;
 }
 
