@@ -9,15 +9,8 @@
 // subject, bits 3-5 the capacity of the record array (0 = room for every
 // record).
 //
-// The engine bounds the nesting depth of its backtracking, not its total
-// work, so some patterns take exponential time on long subjects. A search
-// that uses more than 250 ms of CPU time is abandoned (the library holds no
-// heap and no locks, and the state is recompiled for the next input); their
-// number is printed at exit.
-#include <setjmp.h>
-#include <signal.h>
-#include <sys/time.h>
-
+// A search that uses more than 250 ms of CPU time is abandoned (search_timer.h;
+// the state is recompiled for the next input); their number is printed at exit.
 #include <climits>
 #include <cstdint>
 #include <cstdio>
@@ -26,31 +19,10 @@
 #include <vector>
 
 #include "frame/entries.h"
+#include "search_timer.h"
 #include "support/guarded_buffer.h"
 
 namespace {
-
-sigjmp_buf abandon;
-volatile sig_atomic_t searching = 0;
-int abandoned = 0;
-
-void OnTimer(int) {
-    if (searching) siglongjmp(abandon, 1);
-}
-
-void Arm(bool on) {
-    itimerval t{};
-    t.it_value.tv_usec = on ? 250000 : 0;
-    setitimer(ITIMER_VIRTUAL, &t, nullptr);
-}
-
-void Setup() {
-    struct sigaction sa {};
-    sa.sa_handler = OnTimer;
-    sigemptyset(&sa.sa_mask);
-    sigaction(SIGVTALRM, &sa, nullptr);
-    std::atexit([] { std::fprintf(stderr, "fuzz_regexp_find: %d searches abandoned after 250 ms\n", abandoned); });
-}
 
 char* CString(const uint8_t* p, size_t n) {
     char* s = static_cast<char*>(std::malloc(n + 1));
@@ -93,15 +65,10 @@ void Search(const char* pattern, const char* options, bool global, int format, u
     const int capacity = room ? room : perMatch * (global ? 2 * len + 2 : 1);
     std::vector<vkpRegExpFind> rec(static_cast<size_t>(capacity));
     int count = capacity;
-    searching = 1;
-    if (sigsetjmp(abandon, 1)) {
-        ++abandoned;
-        return;
-    }
-    Arm(true);
+    if (sigsetjmp(SearchTimer::jump, 1)) return SearchTimer::Abandoned();
+    SearchTimer::Start();
     const int st = vkp::entry::vkpsRegExpFind_8u(subject.data(), len, state, rec.data(), &count);
-    Arm(false);
-    searching = 0;
+    SearchTimer::Stop();
     if (st != 0 && st != 12 && st != -188) std::abort();
     if (st >= 0) CheckRecords(rec.data(), count, capacity, subject.data(), len);
 }
@@ -109,7 +76,7 @@ void Search(const char* pattern, const char* options, bool global, int format, u
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const bool ready = (Setup(), true);
+    static const bool ready = (SearchTimer::Setup("fuzz_regexp_find"), true);
     (void)ready;
     if (size < 1) return 0;
     const uint8_t control = data[0];

@@ -1,6 +1,6 @@
-// Abandoning a search that runs too long. The engine bounds the nesting
-// depth of its backtracking, not its total work, so some patterns take
-// exponential time; a search over 250 ms of CPU time is cut off with a jump
+// Abandoning a search that runs too long: long subjects can still take
+// seconds within the engine's step cap, far beyond a fuzz input's budget;
+// a search over 250 ms of CPU time is cut off with a jump
 // out of the timer signal (the library holds no heap and no locks).
 //
 //     if (sigsetjmp(SearchTimer::jump, 1)) return SearchTimer::Abandoned();
