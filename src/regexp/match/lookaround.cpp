@@ -14,7 +14,7 @@
 // - When what follows an atomic group (or one iteration of a greedy repeat
 //   of it) fails, the captures made inside it are put back as they were
 //   (Perl), for groups that hold up to kSavedCaptures capturing groups;
-//   beyond that, and under a lazy repeat, they keep the failed attempt's text.
+//   beyond that they keep the failed attempt's text.
 #include "regexp/match/match_context.h"
 
 namespace vkp::regexp {
@@ -113,6 +113,31 @@ bool HoldsCapture(const Instruction* ip, const Instruction* ket) {
     return false;
 }
 
+// A lazy repeat of an atomic group takes one more iteration each time the
+// continuation fails; when it gives up, the captures its iterations made
+// are put back as they were before the first (with `kCapturing`).
+template <bool kCapturing>
+int AtomicLazy(const u8* pos, MatchContext* ctx, const Instruction* ip, const Instruction* rep,
+               const Instruction* ket, int budget) {
+    SavedCaptures saved;
+    if (kCapturing) saved.Save(ctx, ip, ket);
+    const Instruction* after = rep + 1;
+    int r = 1;
+    for (int count = 0;; ++count) {
+        if (count >= rep->a && MatchHere(pos, ctx, after, budget) == 0) return 0;
+        if (count >= rep->b) break;
+        const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
+        if (!p) break;
+        if (p == pos) {
+            if (count < rep->a) r = MatchHere(pos, ctx, after, budget);
+            break;
+        }
+        pos = p;
+    }
+    if (r != 0 && kCapturing) saved.Restore(ctx);
+    return r;
+}
+
 }  // namespace
 
 bool LookTest(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
@@ -144,15 +169,8 @@ int Atomic(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) 
     if (rep->op == OP_GREEDY_REPEAT)
         return HoldsCapture(ip, ket) ? AtomicGreedy<true>(pos, ctx, ip, rep, 0, budget)
                                      : AtomicGreedy<false>(pos, ctx, ip, rep, 0, budget);
-    const Instruction* after = rep + 1;
-    for (int count = 0;; ++count) {
-        if (count >= rep->a && MatchHere(pos, ctx, after, budget) == 0) return 0;
-        if (count >= rep->b) return 1;
-        const u8* p = RunBody(pos, nullptr, ctx, ip, budget);
-        if (!p) return 1;
-        if (p == pos) return count >= rep->a ? 1 : MatchHere(pos, ctx, after, budget);
-        pos = p;
-    }
+    return HoldsCapture(ip, ket) ? AtomicLazy<true>(pos, ctx, ip, rep, ket, budget)
+                                 : AtomicLazy<false>(pos, ctx, ip, rep, ket, budget);
 }
 
 }  // namespace vkp::regexp
