@@ -135,20 +135,30 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"[^@:]+:[a-c]+?i", "(?:[^@:])+(?::)(?:[a-c])+?(?:i)"},  // class cache, lazy
         {"(?:ab|c|i)n", "(?:ab|c|i|(?!))(?:n)"},   // a few start bytes
         {"ing|n(?=g)", "(?:ing|n(?=g))"},
+        {"aB", "aB(?:)"},                         // a program that is one literal
+        {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte
+        {"b", "b(?:)"},
     };
-    const char kAlphabet[] = "aabbab_1@:-.ingcAB \n";
+    // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
+    const char* const kPieces[] = {"a", "a", "b", "b", "ab", "_", "1", "@", ":", "-", ".", "i", "n", "g",
+                                   "c", "A", "B", " ", "\n", "\xc2\x80" "a", "\x80"};
     for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {
+          for (int format : {1, 0}) {  // UTF-8 (the default), bytes
             CompiledRegExp a(fast, options), b(plain, options);
             ASSERT_EQ(a.status(), 0) << fast;
             ASSERT_EQ(b.status(), 0) << plain;
-            for (int i = 0; i < 400; ++i) {
-                std::string s(size_t(vkptest::RandomInt(rng, 0, 24)), ' ');
-                for (char& c : s) c = kAlphabet[vkptest::RandomInt(rng, 0, int(sizeof kAlphabet) - 2)];
+            vkpsRegExpSetFormat(format, a.state());
+            vkpsRegExpSetFormat(format, b.state());
+            for (int i = 0; i < 200; ++i) {
+                std::string s;
+                for (int n = vkptest::RandomInt(rng, 0, 20); n > 0; --n)
+                    s += kPieces[vkptest::RandomInt(rng, 0, int(std::size(kPieces)) - 1)];
                 const auto ra = a.Search(s, 64), rb = b.Search(s, 64);
                 ASSERT_EQ(ra.status, rb.status) << fast << " on " << s;
-                ASSERT_EQ(ra.records, rb.records) << fast << " (" << options << ") on " << s;
+                ASSERT_EQ(ra.records, rb.records) << fast << " (" << options << ", format " << format << ") on " << s;
             }
+          }
         }
     }
 }

@@ -196,6 +196,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
+    a->wholeLiteral = count == 1 && (program[0].op == OP_CHAR || (program[0].op == OP_STRING && program[0].b > 0));
     // A program of one alternative that begins with a literal of two bytes
     // or more, which no repeat follows: every match begins with it, so the
     // search goes from one occurrence to the next.

@@ -26,6 +26,7 @@ struct Analysis {
     u8 requiredCaseless;   // ... in either case: a lower-case letter
     u8 anyPossessive;      // some bit of `possessive` is set
     u8 leadLiteral;        // every match begins with the literal at index 0
+    u8 wholeLiteral;       // the program is one literal and nothing else
     int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
     StartFilter filter;    // kNone when anchored or unknown
     // Greedy repeats of one item whose continuation cannot begin with

@@ -41,8 +41,38 @@ bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8
     return true;
 }
 
+// A program that is one literal: its occurrences, leftmost first and not
+// overlapping, are the matches, found by the literal search alone. Under
+// format 1 a literal that begins with a continuation byte is left to the
+// matcher, which starts only at character boundaries; any other first byte
+// always starts one.
+bool LiteralOnly(const RegExpState* state, const Analysis& an, Literal* lit) {
+    if (!an.wholeLiteral) return false;
+    *lit = LiteralOf(ProgramOf(state)[0]);
+    return state->format == 0 || !IsContinuation(lit->bytes[0]);
+}
+
+Status SearchLiteral(const u8* src, int srcLen, RegExpState* state, const Literal& lit, RegExpFind* matches,
+                     int* numMatches) {
+    const bool caseless = (state->options & kOptIgnoreCase) != 0;
+    const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
+    RegExpFind* records = RecordsOf(state);
+    int written = 0;
+    for (int pos = 0; written < cap;) {
+        const int i = FindLiteral(src + pos, srcLen - pos, lit.bytes, lit.length, caseless);
+        if (i < 0) break;
+        records[0] = {src + pos + i, lit.length};
+        matches[written++] = records[0];
+        pos += i + lit.length;
+    }
+    *numMatches = written;
+    return kOk;
+}
+
 Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
               int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
+    Literal whole;
+    if (LiteralOnly(state, an, &whole)) return SearchLiteral(src, srcLen, state, whole, matches, numMatches);
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
