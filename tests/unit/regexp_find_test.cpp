@@ -135,6 +135,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"[^@:]+:[a-c]+?i", "(?:[^@:])+(?::)(?:[a-c])+?(?:i)"},  // class cache, lazy
         {"(?:ab|c|i)n", "(?:ab|c|i|(?!))(?:n)"},   // a few start bytes
         {"ing|n(?=g)", "(?:ing|n(?=g))"},
+        {"[^@]{2,19}@", "(?:[^@]){2,19}@"},     // runs of class members, bounded
+        {"[^\\n:]*[:\\n]", "(?:[^\\n:])*[:\\n]"},
         {"aB", "aB(?:)"},                         // a program that is one literal
         {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte
         {"b", "b(?:)"},

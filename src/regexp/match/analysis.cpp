@@ -55,7 +55,10 @@ void KeepClass(const Instruction* prog, int i, u32 options, Analysis* a) {
     k.cls = &prog[i];
     k.options = options;
     for (int c = 0; c < 128; ++c)
-        if (ClassContains(&prog[i], c, options)) k.bits[c >> 5] |= u32(1) << (c & 31);
+        if (ClassContains(&prog[i], c, options)) {
+            k.bits[c >> 5] |= u32(1) << (c & 31);
+            k.nibbles[c & 15] |= static_cast<u8>(1u << (c >> 4));
+        }
     a->anyClass = 1;
 }
 

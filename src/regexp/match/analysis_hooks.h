@@ -13,6 +13,7 @@ struct ClassBits {
     const Instruction* cls;  // null: slot unused
     u32 options;
     u32 bits[4];
+    u8 nibbles[16];  // by low nibble, a bit for each high nibble 0-7 of a member
 };
 constexpr int kClassSlots = 16;
 
@@ -23,12 +24,20 @@ VKP_INLINE int ClassSlot(const Instruction* cls) {
 
 // Whether a class takes the ASCII byte c, when the analysis knows: 1 or 0,
 // else -1.
-VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, u8 c) {
-    if (!ctx->classBits || c >= 0x80) return -1;
+// The ASCII members of a class, when the analysis kept them, else null.
+VKP_INLINE const ClassBits* CachedClass(const MatchContext* ctx, const Instruction* cls) {
+    if (!ctx->classBits) return nullptr;
     const ClassBits& k = ctx->classBits[ClassSlot(cls)];
-    if (k.cls != cls || k.options != ctx->options) return -1;
-    return (k.bits[c >> 5] >> (c & 31)) & 1;
+    return k.cls == cls && k.options == ctx->options ? &k : nullptr;
 }
+
+VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, u8 c) {
+    const ClassBits* k = c < 0x80 ? CachedClass(ctx, cls) : nullptr;
+    return k ? (k->bits[c >> 5] >> (c & 31)) & 1 : -1;
+}
+
+// How many bytes from p (at most n) are ASCII members of the class.
+long AsciiMemberRun(const u8* p, long n, const ClassBits& k);
 
 constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
 

@@ -35,8 +35,9 @@ void AddType(ByteSet* set, int type) {
 // byte, or the byte itself when it is not valid UTF-8).
 void AddHigh(ByteSet* set) { set->AddRange(0x80, 0xFF); }
 
-Outcome ClassFirst(const Instruction* prog, int at, u32 options, ByteSet* set) {
-    if (prog[at].a != 0) return kUnknown;  // negated
+// The bytes the members of the class at `at` begin with, as if it were not
+// negated.
+Outcome MemberBytes(const Instruction* prog, int at, u32 options, ByteSet* set) {
     for (int m = at + 1; m <= at + prog[at].b; ++m) {
         const Instruction& ins = prog[m];
         switch (ins.op) {
@@ -56,6 +57,19 @@ Outcome ClassFirst(const Instruction* prog, int at, u32 options, ByteSet* set) {
             default: return kUnknown;  // properties may hold ASCII characters
         }
     }
+    return kConsumes;
+}
+
+// The bytes a class's characters begin with. The members' ASCII bytes are
+// exact, so a negated class begins with any other ASCII byte or with any
+// byte at or above 128.
+Outcome ClassFirst(const Instruction* prog, int at, u32 options, ByteSet* set) {
+    if (prog[at].a == 0) return MemberBytes(prog, at, options, set);
+    ByteSet members{};
+    if (MemberBytes(prog, at, options, &members) != kConsumes) return kUnknown;
+    for (int b = 0; b < 128; ++b)
+        if (!members.Has(static_cast<u8>(b))) set->Add(static_cast<u8>(b));
+    AddHigh(set);
     return kConsumes;
 }
 

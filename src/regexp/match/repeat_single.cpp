@@ -131,10 +131,17 @@ __attribute__((noinline)) int GreedyChars(const u8* pos, MatchContext* ctx, cons
         p += n;
     }
     const u8* const lowest = p;
-    for (; count < rep->b && p < end; ++count) {
+    while (count < rep->b && p < end) {
+        // Runs of one-byte members in one step where the item can tell them.
+        const long room = end - p < rep->b - count ? end - p : rep->b - count;
+        const long run = Item::Run(p, room, ctx, ip);
+        p += run;
+        count += static_cast<int>(run);
+        if (run == room) break;
         const int n = Item::Length(p, ctx, ip);
         if (n == 0) break;
         p += n;
+        ++count;
     }
     return BacktrackChars(p, lowest, ctx, rep + 1, budget);
 }
@@ -165,6 +172,12 @@ __attribute__((noinline)) int LazyItems(const u8* pos, MatchContext* ctx, const 
 
 // The items: where their repeat record stands and the bytes one takes at p
 // (0 for none).
+// Items of one character each: where their repeat record is, the length of
+// the item at p (0: no match) and, for the greedy repeats, how many bytes
+// from p (at most n) are one-byte matches it can tell at once (NoRun: none).
+struct NoRun {
+    static long Run(const u8*, long, const MatchContext*, const Instruction*) { return 0; }
+};
 struct CharItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
@@ -175,7 +188,7 @@ struct AnyByteItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
     static int Length(const u8*, const MatchContext*, const Instruction*) { return 1; }
 };
-struct TypeItem {
+struct TypeItem : NoRun {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
         return TypeLength(p, ctx->subjectEnd, TypeFor(ip->a, ctx->options));
@@ -183,12 +196,16 @@ struct TypeItem {
 };
 struct ClassItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + ip->b + 1; }
+    static long Run(const u8* p, long n, const MatchContext* ctx, const Instruction* ip) {
+        const ClassBits* k = CachedClass(ctx, ip);
+        return k ? AsciiMemberRun(p, n, *k) : 0;
+    }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
         const int known = CachedClassTest(ctx, ip, *p);
         return known >= 0 ? known : ClassLength(p, ctx->subjectEnd, ip, ctx->options);
     }
 };
-struct PropertyItem {
+struct PropertyItem : NoRun {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
         return PropertyLength(p, ctx->subjectEnd, ip, ctx->options);
