@@ -112,31 +112,34 @@ TEST(RegExpFind, StartPositionsFollowTheFormat) {
 // byte, repeats that need no backtracking, the skip over a failed leading
 // run, the class cache) agree with the general search on random subjects,
 // single and global: each pattern beside an equivalent one that hides its
-// items in groups, where none of them applies.
+// items in groups with an alternative that never matches, (?:x|(?!)), which
+// the compiler keeps as groups and none of them sees through.
 TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     vkptest::Rng rng(7);
     const std::pair<const char*, const char*> pairs[] = {
         {"ab|ba|b", "(?:ab|ba|b)"},           // alternation of literals
         {"aab|ab", "(?:aab|ab)"},
-        {"abc(a)", "(?:abc)(a)"},             // leading literal and a group
-        {"ba+", "(?:b)a+"},
-        {"a\\w*b", "a\\w*(?:b)"},             // the last literal
-        {"[\\w.+-]+@\\w+", "(?:[\\w.+-])+(?:@)\\w+"},  // possessive run, required byte
-        {"\\w+:", "(?:\\w)+(?::)"},
-        {"\\d+-\\d*", "(?:\\d)+(?:-)\\d*"},
-        {"\\w+ing\\b", "(?:\\w)+(?:ing)\\b"},   // leading runs that backtrack
-        {"[ab]+b", "(?:[ab])+(?:b)"},
-        {"a+Ab", "(?:a)+(?:Ab)"},
-        {"\\w+1_?", "(?:\\w)+(?:1)_?"},
-        {"[ab]{1,3}?ab", "(?:[ab]){1,3}?(?:ab)"},  // a run before a literal, lazy and bounded
-        {"\\w{2,}1b", "(?:\\w){2,}(?:1b)"},
-        {"[ab_]*c", "(?:[ab_])*(?:c)"},
-        {".*@", "(?:.)*(?:@)"},
-        {"[^@:]+:[a-c]+?i", "(?:[^@:])+(?::)(?:[a-c])+?(?:i)"},  // class cache, lazy
-        {"(?:ab|c|i)n", "(?:ab|c|i|(?!))(?:n)"},   // a few start bytes
+        {"abc(a)", "(?:abc|(?!))(a)"},             // leading literal and a group
+        {"ba+", "(?:b|(?!))a+"},
+        {"a\\w*b", "a\\w*(?:b|(?!))"},             // the last literal
+        {"[\\w.+-]+@\\w+", "(?:[\\w.+-]|(?!))+(?:@|(?!))\\w+"},  // possessive run, required byte
+        {"\\w+:", "(?:\\w|(?!))+(?::|(?!))"},
+        {"\\d+-\\d*", "(?:\\d|(?!))+(?:-|(?!))\\d*"},
+        {"\\w+ing\\b", "(?:\\w|(?!))+(?:ing|(?!))\\b"},   // leading runs that backtrack
+        {"[ab]+b", "(?:[ab]|(?!))+(?:b|(?!))"},
+        {"a+Ab", "(?:a|(?!))+(?:Ab|(?!))"},
+        {"\\w+1_?", "(?:\\w|(?!))+(?:1|(?!))_?"},
+        {"[ab]{1,3}?ab", "(?:[ab]|(?!)){1,3}?(?:ab|(?!))"},  // a run before a literal, lazy and bounded
+        {"\\w{2,}1b", "(?:\\w|(?!)){2,}(?:1b|(?!))"},
+        {"[ab_]*c", "(?:[ab_]|(?!))*(?:c|(?!))"},
+        {".*@", "(?:.|(?!))*(?:@|(?!))"},
+        {"[^@:]+:[a-c]+?i", "(?:[^@:]|(?!))+(?::|(?!))(?:[a-c]|(?!))+?(?:i|(?!))"},  // class cache, lazy
+        {"(?:ab|c|i)n", "(?:ab|c|i|(?!))(?:n|(?!))"},   // a few start bytes
         {"ing|n(?=g)", "(?:ing|n(?=g))"},
-        {"[^@]{2,19}@", "(?:[^@]){2,19}@"},     // runs of class members, bounded
-        {"[^\\n:]*[:\\n]", "(?:[^\\n:])*[:\\n]"},
+        {"[^@]{2,19}@", "(?:[^@]|(?!)){2,19}@"},     // runs of class members, bounded
+        {"[^\\n:]*[:\\n]", "(?:[^\\n:]|(?!))*[:\\n]"},
+        {"\\S{2,30}\\s", "(?:\\S|(?!)){2,30}\\s"},  // runs of a type
+        {"\\D+@", "(?:\\D|(?!))+@"},
         {"aB", "aB(?:)"},                         // a program that is one literal
         {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte
         {"b", "b(?:)"},

@@ -36,9 +36,6 @@ VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, 
     return k ? (k->bits[c >> 5] >> (c & 31)) & 1 : -1;
 }
 
-// How many bytes from p (at most n) are ASCII members of the class.
-long AsciiMemberRun(const u8* p, long n, const ClassBits& k);
-
 constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked
 
 // Called by a greedy repeat (its record just before `next`) that ran to p

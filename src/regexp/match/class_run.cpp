@@ -1,7 +1,6 @@
-// Runs of ASCII class members for the greedy class repeats.
-#include <tmmintrin.h>
+#include "regexp/match/class_run.h"
 
-#include "regexp/match/analysis_hooks.h"
+#include <tmmintrin.h>
 
 namespace vkp::regexp {
 
@@ -19,7 +18,31 @@ VKP_INLINE unsigned Misses(const u8* p, __m128i table) {
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(lo, hi), _mm_setzero_si128())));
 }
 
+constexpr ClassBits TypeBits(u8 mask, bool negated) {
+    ClassBits k{};
+    for (int c = 0; c < 128; ++c)
+        if (((KindOf(c) & mask) != 0) != negated) {
+            k.bits[c >> 5] |= u32(1) << (c & 31);
+            k.nibbles[c & 15] |= static_cast<u8>(1u << (c >> 4));
+        }
+    return k;
+}
+
+// By mask (no kind, digit, space, word, line feed) and negation.
+constexpr ClassBits kTypeBits[5][2] = {
+    {TypeBits(0, false), TypeBits(0, true)},
+    {TypeBits(kKindDigit, false), TypeBits(kKindDigit, true)},
+    {TypeBits(kKindSpace, false), TypeBits(kKindSpace, true)},
+    {TypeBits(kKindWord, false), TypeBits(kKindWord, true)},
+    {TypeBits(kKindNewline, false), TypeBits(kKindNewline, true)},
+};
+
 }  // namespace
+
+const ClassBits& TypeMembers(TypeTest t) {
+    const int row = t.mask == kKindDigit ? 1 : t.mask == kKindSpace ? 2 : t.mask == kKindWord ? 3 : t.mask == kKindNewline ? 4 : 0;
+    return kTypeBits[row][t.negated];
+}
 
 long AsciiMemberRun(const u8* p, long n, const ClassBits& k) {
     if (n < 16) {

@@ -7,15 +7,6 @@ namespace vkp::regexp {
 
 namespace {
 
-constexpr u8 KindOf(int c) {
-    u8 k = 0;
-    if (c >= '0' && c <= '9') k |= kKindDigit | kKindWord;
-    if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_') k |= kKindWord;
-    if (c == 9 || c == 10 || c == 12 || c == 13 || c == 32) k |= kKindSpace;
-    if (c == 10) k |= kKindNewline;
-    return k;
-}
-
 struct KindTable {
     u8 v[256];
     constexpr KindTable() : v() {

@@ -15,6 +15,16 @@ namespace vkp::regexp {
 enum : u8 { kKindDigit = 1, kKindSpace = 2, kKindWord = 4, kKindNewline = 8 };
 extern const u8 kByteKinds[256];
 
+// The kinds of byte c, as kByteKinds holds them.
+constexpr u8 KindOf(int c) {
+    u8 k = 0;
+    if (c >= '0' && c <= '9') k |= kKindDigit | kKindWord;
+    if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_') k |= kKindWord;
+    if (c == 9 || c == 10 || c == 12 || c == 13 || c == 32) k |= kKindSpace;
+    if (c == 10) k |= kKindNewline;
+    return k;
+}
+
 VKP_INLINE bool IsWordByte(u8 c) { return (kByteKinds[c] & kKindWord) != 0; }
 VKP_INLINE bool IsAsciiLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
 

@@ -13,6 +13,7 @@
 #include <string.h>
 
 #include "regexp/match/analysis_hooks.h"
+#include "regexp/match/class_run.h"
 #include "regexp/match/items.h"
 #include "regexp/match/memo.h"
 
@@ -62,25 +63,7 @@ VKP_INLINE int BacktrackChars(const u8* p, const u8* lowest, MatchContext* ctx,
     }
 }
 
-// Greedy repeat of items of one byte each; Test is built from the item.
-template <class Test>
-__attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
-    const Instruction* rep = ip + 1;
-    const long rem = ctx->subjectEnd - pos;
-    if (rem < rep->a) return 1;
-    const u8* const stop = pos + (rep->b < rem ? rep->b : rem);
-    const u8* p = pos;
-    const Test test(ip, ctx);
-    // A bounded search knows the ends of runs it has taken already.
-    if (VKP_UNLIKELY(ctx->memo != nullptr)) p = KnownRunEnd(ctx, ip, pos, stop);
-    const u8* const scanned = p;
-    while (p < stop && test(*p)) ++p;
-    if (VKP_UNLIKELY(p - scanned >= 64 || ctx->memo != nullptr)) NoteRun(ctx, ip, pos, scanned, p, stop);
-    const u8* const lowest = pos + rep->a;
-    if (p < lowest) return 1;
-    return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
-}
-
+// The tests of single-byte items.
 struct ExactByte {
     u8 c;
     ExactByte(const Instruction* ip, const MatchContext*) : c(static_cast<u8>(ip->a)) {}
@@ -100,6 +83,38 @@ struct TypeByte {
     TypeByte(const Instruction* ip, const MatchContext* ctx) : t(TypeFor(ip->a, ctx->options)) {}
     bool operator()(u8 s) const { return t(s); }
 };
+
+// The end of the run of bytes from p (below stop) that pass the test.
+template <class Test>
+VKP_INLINE const u8* SkipRun(const Test& test, const u8* p, const u8* stop) {
+    while (p < stop && test(*p)) ++p;
+    return p;
+}
+template <>
+VKP_INLINE const u8* SkipRun<TypeByte>(const TypeByte& test, const u8* p, const u8* stop) {
+    p += AsciiMemberRun(p, stop - p, TypeMembers(test.t));
+    while (p < stop && test(*p)) ++p;  // bytes from 0x80, which a negated type takes
+    return p;
+}
+
+// Greedy repeat of items of one byte each; Test is built from the item.
+template <class Test>
+__attribute__((noinline)) int GreedyBytes(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget) {
+    const Instruction* rep = ip + 1;
+    const long rem = ctx->subjectEnd - pos;
+    if (rem < rep->a) return 1;
+    const u8* const stop = pos + (rep->b < rem ? rep->b : rem);
+    const u8* p = pos;
+    const Test test(ip, ctx);
+    // A bounded search knows the ends of runs it has taken already.
+    if (VKP_UNLIKELY(ctx->memo != nullptr)) p = KnownRunEnd(ctx, ip, pos, stop);
+    const u8* const scanned = p;
+    p = SkipRun(test, p, stop);
+    if (VKP_UNLIKELY(p - scanned >= 64 || ctx->memo != nullptr)) NoteRun(ctx, ip, pos, scanned, p, stop);
+    const u8* const lowest = pos + rep->a;
+    if (p < lowest) return 1;
+    return BacktrackFixed(p, lowest, 1, ctx, rep + 1, budget);
+}
 
 // Unlimited "." (not across a line feed): after the minimum, everything up
 // to the next line feed, whole characters all the way.
@@ -188,8 +203,11 @@ struct AnyByteItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
     static int Length(const u8*, const MatchContext*, const Instruction*) { return 1; }
 };
-struct TypeItem : NoRun {
+struct TypeItem {
     static const Instruction* Repeat(const Instruction* ip) { return ip + 1; }
+    static long Run(const u8* p, long n, const MatchContext* ctx, const Instruction* ip) {
+        return AsciiMemberRun(p, n, TypeMembers(TypeFor(ip->a, ctx->options)));
+    }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
         return TypeLength(p, ctx->subjectEnd, TypeFor(ip->a, ctx->options));
     }
