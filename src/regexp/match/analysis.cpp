@@ -113,6 +113,23 @@ bool ReadsCaptures(const Instruction* prog, int count) {
 
 bool IsLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
 
+// A program of literals at 0, 2, 4, ... with a top-level bar between each
+// two (one literal when count is 1).
+void MarkLiteralsOnly(const Instruction* prog, int count, Analysis* a) {
+    if (count % 2 == 0) return;
+    for (int k = 0; k < count; ++k) {
+        const Instruction& ins = prog[k];
+        if (k % 2 == 1) {
+            if (ins.op != OP_ALT || ins.a != 0) return;
+            continue;
+        }
+        if (ins.op != OP_CHAR && !(ins.op == OP_STRING && ins.b > 0)) return;
+        const u8 first = ins.op == OP_CHAR ? static_cast<u8>(ins.a) : static_cast<const u8*>(ins.d)[0];
+        if ((first & 0xC0) == 0x80) a->literalContinuationLed = 1;
+    }
+    a->literalsOnly = 1;
+}
+
 // A byte of a literal that every match holds: one of the top-level
 // sequence (the program has one alternative) that no repeat makes
 // optional, the first after the leading item if there is one.
@@ -199,7 +216,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
-    a->wholeLiteral = count == 1 && (program[0].op == OP_CHAR || (program[0].op == OP_STRING && program[0].b > 0));
+    MarkLiteralsOnly(program, count, a);
     // A program of one alternative that begins with a literal of two bytes
     // or more, which no repeat follows: every match begins with it, so the
     // search goes from one occurrence to the next.

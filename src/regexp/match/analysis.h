@@ -26,7 +26,8 @@ struct Analysis {
     u8 requiredCaseless;   // ... in either case: a lower-case letter
     u8 anyPossessive;      // some bit of `possessive` is set
     u8 leadLiteral;        // every match begins with the literal at index 0
-    u8 wholeLiteral;       // the program is one literal and nothing else
+    u8 literalsOnly;       // the program is one literal, or literals between top-level bars
+    u8 literalContinuationLed;  // ... one of which begins with a UTF-8 continuation byte
     int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
     StartFilter filter;    // kNone when anchored or unknown
     // Greedy repeats of one item whose continuation cannot begin with

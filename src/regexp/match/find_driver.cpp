@@ -41,29 +41,49 @@ bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8
     return true;
 }
 
-// A program that is one literal: its occurrences, leftmost first and not
-// overlapping, are the matches, found by the literal search alone. Under
-// format 1 a literal that begins with a continuation byte is left to the
-// matcher, which starts only at character boundaries; any other first byte
-// always starts one.
-bool LiteralOnly(const RegExpState* state, const Analysis& an, Literal* lit) {
-    if (!an.wholeLiteral) return false;
-    *lit = LiteralOf(ProgramOf(state)[0]);
-    return state->format == 0 || !IsContinuation(lit->bytes[0]);
+// The leftmost occurrence in s[0, len) of any of the literals at 0, 2, 4,
+// ... below count (the alternatives of an alternation of literals, or a
+// program that is one literal), the earliest literal among those found at
+// the same index: its index and, in *length, its length; -1 when none
+// occurs.
+int LeftmostLiteral(const Instruction* program, int count, const u8* s, int len, bool caseless, int* length) {
+    int best = -1;
+    for (int k = 0; k < count; k += 2) {
+        const Literal lit = LiteralOf(program[k]);
+        // Only an occurrence that starts before the best one counts.
+        int limit = len;
+        if (best >= 0 && best - 1 + lit.length < limit) limit = best - 1 + lit.length;
+        const int i = FindLiteral(s, limit, lit.bytes, lit.length, caseless);
+        if (i >= 0 && (best < 0 || i < best)) {
+            best = i;
+            *length = lit.length;
+        }
+    }
+    return best;
 }
 
-Status SearchLiteral(const u8* src, int srcLen, RegExpState* state, const Literal& lit, RegExpFind* matches,
-                     int* numMatches) {
+// A program of literals alone (analysis.h): their occurrences, leftmost
+// first and not overlapping, are its matches, found by the literal search
+// alone. Under format 1 a literal that begins with a continuation byte is
+// left to the matcher, which starts only at character boundaries; any
+// other first byte always starts one.
+bool LiteralsOnly(const RegExpState* state, const Analysis& an) {
+    return an.literalsOnly && (state->format == 0 || !an.literalContinuationLed);
+}
+
+Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches) {
+    const Instruction* program = ProgramOf(state);
     const bool caseless = (state->options & kOptIgnoreCase) != 0;
     const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
     RegExpFind* records = RecordsOf(state);
     int written = 0;
     for (int pos = 0; written < cap;) {
-        const int i = FindLiteral(src + pos, srcLen - pos, lit.bytes, lit.length, caseless);
+        int length = 0;
+        const int i = LeftmostLiteral(program, state->instructionCount, src + pos, srcLen - pos, caseless, &length);
         if (i < 0) break;
-        records[0] = {src + pos + i, lit.length};
+        records[0] = {src + pos + i, length};
         matches[written++] = records[0];
-        pos += i + lit.length;
+        pos += i + length;
     }
     *numMatches = written;
     return kOk;
@@ -71,8 +91,7 @@ Status SearchLiteral(const u8* src, int srcLen, RegExpState* state, const Litera
 
 Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
               int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
-    Literal whole;
-    if (LiteralOnly(state, an, &whole)) return SearchLiteral(src, srcLen, state, whole, matches, numMatches);
+    if (LiteralsOnly(state, an)) return SearchLiterals(src, srcLen, state, matches, numMatches);
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
     const u32 options = state->options;
@@ -94,33 +113,16 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
 
     // 2. An alternation of literals: the leftmost occurrence of any, the
     // earliest alternative among those at the same index.
-    if (state->patternKind == 2 && !(options & kOptGlobal)) {
-        int best = -1, bestLength = 0;
-        bool literals = true;
-        for (int k = 0; k < count && literals; k += 2) {
-            const Literal lit = LiteralOf(program[k]);
-            if (lit.length == 0) {
-                literals = false;
-                break;
-            }
-            // Only an occurrence that starts before the best one counts.
-            int limit = effLen;
-            if (best >= 0 && best - 1 + lit.length < limit) limit = best - 1 + lit.length;
-            const int i = FindLiteral(src, limit, lit.bytes, lit.length, (options & kOptIgnoreCase) != 0);
-            if (i >= 0 && (best < 0 || i < best)) {
-                best = i;
-                bestLength = lit.length;
-            }
-        }
-        if (literals) {
-            if (best < 0) {
-                *numMatches = 0;
-                return kOk;
-            }
-            matches[0] = {src + best, bestLength};
-            *numMatches = 1;
+    if (state->patternKind == 2 && !(options & kOptGlobal) && an.literalsOnly) {
+        int length = 0;
+        const int best = LeftmostLiteral(program, count, src, effLen, (options & kOptIgnoreCase) != 0, &length);
+        if (best < 0) {
+            *numMatches = 0;
             return kOk;
         }
+        matches[0] = {src + best, length};
+        *numMatches = 1;
+        return kOk;
     }
 
     // 3. A leading literal: start at its first occurrence, also when a lazy
