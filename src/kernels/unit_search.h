@@ -75,13 +75,29 @@ VKP_INLINE bool AnyHit(const char* p, typename V::Reg needle) {
     return HitMask<V, T>(acc) != 0;
 }
 
+// What a kernel does with the index it found: hands it back, or stores it
+// through the entry point's pointer and returns the status. The out-of-line
+// block scans apply it themselves, so that a kernel calls them last (a tail
+// call): GCC realigns the stack of an AVX function that keeps anything across
+// a call, on every call, a cost the short strings would pay.
+struct ReturnIndex {
+    VKP_INLINE int operator()(int i) const { return i; }
+};
+struct StoreIndex {
+    int* p;
+    VKP_INLINE Status operator()(int i) const {
+        *p = i;
+        return kOk;
+    }
+};
+
 // Forward scan of [p, end) after the first block; kAligned: p is aligned to
 // the block size. The wide steps only detect a hit; the one-block step then
 // locates it, within the group the wide step stopped at. The block scans stay
 // out of line and take the unit, not a vector, so that the short-string paths
 // of their callers need no stack frame.
 template <class V, class T, bool kAligned>
-__attribute__((noinline)) int FindUnitFwdBlocks(const char* base, const char* p, const char* end, T v) {
+VKP_INLINE int ScanUnitFwdBlocks(const char* base, const char* p, const char* end, T v) {
     constexpr int B = V::kBytes;
     const typename V::Reg needle = Units<V, T>::Splat(v);
     for (size_t n = size_t(end - p) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(p, needle); --n) p += 8 * B;
@@ -102,7 +118,7 @@ __attribute__((noinline)) int FindUnitFwdBlocks(const char* base, const char* p,
 // Backward scan of [base, q) after the last block (the string ends at end);
 // kAligned: q is aligned to the block size.
 template <class V, class T, bool kAligned>
-__attribute__((noinline)) int FindUnitRevBlocks(const char* base, const char* q, const char* end, T v) {
+VKP_INLINE int ScanUnitRevBlocks(const char* base, const char* q, const char* end, T v) {
     constexpr int B = V::kBytes;
     const typename V::Reg needle = Units<V, T>::Splat(v);
     for (size_t n = size_t(q - base) / (8 * B); n && !AnyHit<V, T, kAligned, 8>(q - 8 * B, needle); --n) q -= 8 * B;
@@ -118,6 +134,12 @@ __attribute__((noinline)) int FindUnitRevBlocks(const char* base, const char* q,
     return -1;
 }
 
+template <class V, class T, bool kRev, bool kAligned, class Out>
+__attribute__((noinline)) auto FindUnitBlocks(const char* base, const char* from, const char* end, T v, Out out) {
+    if constexpr (kRev) return out(ScanUnitRevBlocks<V, T, kAligned>(base, from, end, v));
+    else return out(ScanUnitFwdBlocks<V, T, kAligned>(base, from, end, v));
+}
+
 // The unit a hit mask of the block at `block` points to: the first hit
 // forward, the last backward.
 template <class T, bool kRev>
@@ -127,34 +149,29 @@ VKP_INLINE int HitIndex(const char* base, const char* block, uint32_t m) {
 
 // Both directions: short strings, the block at the starting end, strings of
 // up to two blocks (then the block at the other end), then the block scans.
-template <class V, class T, bool kRev>
-VKP_INLINE int FindUnit(const T* s, int len, T v) {
+template <class V, class T, bool kRev, class Out>
+VKP_INLINE auto FindUnit(const T* s, int len, T v, Out out) {
     constexpr int B = V::kBytes, kUnits = Units<V, T>::kPerVector;
     if (VKP_UNLIKELY(len < kUnits)) {
-        if constexpr (V::kHasNarrower) return FindUnit<typename V::Narrower, T, kRev>(s, len, v);
-        else if constexpr (kRev) return ScalarFindUnitRev(s, len, v);
-        else return ScalarFindUnitFwd(s, len, v);
+        if constexpr (V::kHasNarrower) return FindUnit<typename V::Narrower, T, kRev>(s, len, v, out);
+        else if constexpr (kRev) return out(ScalarFindUnitRev(s, len, v));
+        else return out(ScalarFindUnitFwd(s, len, v));
     }
     const typename V::Reg needle = Units<V, T>::Splat(v);
     const char* base = reinterpret_cast<const char*>(s);
     const char* end = base + size_t(len) * sizeof(T);
     const char* first = kRev ? end - B : base;
     const char* other = kRev ? base : end - B;
-    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return HitIndex<T, kRev>(base, first, m);
+    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return out(HitIndex<T, kRev>(base, first, m));
     if (end - base <= 2 * B) {
         const uint32_t m = BlockHits<V, T, false>(other, needle);
-        return m ? HitIndex<T, kRev>(base, other, m) : -1;
+        return out(m ? HitIndex<T, kRev>(base, other, m) : -1);
     }
     const bool odd = reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0;
-    if constexpr (kRev) {
-        if (odd) return FindUnitRevBlocks<V, T, false>(base, end - B, end, v);
-        const char* q = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1));
-        return FindUnitRevBlocks<V, T, true>(base, q, end, v);
-    } else {
-        if (odd) return FindUnitFwdBlocks<V, T, false>(base, base + B, end, v);
-        const char* p = reinterpret_cast<const char*>((reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1));
-        return FindUnitFwdBlocks<V, T, true>(base, p, end, v);
-    }
+    if (odd) return FindUnitBlocks<V, T, kRev, false>(base, kRev ? end - B : base + B, end, v, out);
+    const uintptr_t from = kRev ? (reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1)
+                                : (reinterpret_cast<uintptr_t>(base) + B) & ~uintptr_t(B - 1);
+    return FindUnitBlocks<V, T, kRev, true>(base, reinterpret_cast<const char*>(from), end, v, out);
 }
 
 }  // namespace detail
@@ -162,27 +179,25 @@ VKP_INLINE int FindUnit(const T* s, int len, T v) {
 // Index of the first unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitFwd(const T* s, int len, T v) {
-    return detail::FindUnit<V, T, false>(s, len, v);
+    return detail::FindUnit<V, T, false>(s, len, v, detail::ReturnIndex{});
 }
 
 // Index of the last unit of s[0, len) equal to v, or -1.
 template <class V, class T>
 VKP_INLINE int FindUnitRev(const T* s, int len, T v) {
-    return detail::FindUnit<V, T, true>(s, len, v);
+    return detail::FindUnit<V, T, true>(s, len, v, detail::ReturnIndex{});
 }
 
 // The results stored through pIndex, with the status of a successful call:
 // the form in the kernel table, so that an entry point hands the call on whole.
 template <class V, class T>
 VKP_INLINE Status FindUnitFwdInto(const T* s, int len, T v, int* pIndex) {
-    *pIndex = FindUnitFwd<V>(s, len, v);
-    return kOk;
+    return detail::FindUnit<V, T, false>(s, len, v, detail::StoreIndex{pIndex});
 }
 
 template <class V, class T>
 VKP_INLINE Status FindUnitRevInto(const T* s, int len, T v, int* pIndex) {
-    *pIndex = FindUnitRev<V>(s, len, v);
-    return kOk;
+    return detail::FindUnit<V, T, true>(s, len, v, detail::StoreIndex{pIndex});
 }
 
 }  // namespace vkp::kernels
