@@ -24,9 +24,14 @@ VKP_INLINE void TimedCall(const Fn& fn) {
     }
 }
 
+// The internals linked into this program start with the 16-byte kernels;
+// each benchmark sets the width the library chose when it was loaded, so
+// that calls of the internals (the copy kernels) run what the exports run,
+// whatever benchmarks ran before.
 template <class Fn>
 void Register(const std::string& name, int64_t bytes, Fn fn) {
     benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
+        vkp::SelectKernels(vkpGetEnabledCpuFeatures());
         for (auto _ : st) TimedCall(fn);
         st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
     })->MinTime(0.05);
@@ -42,7 +47,6 @@ void RegisterBaseline(const std::string& name, int64_t bytes, Fn fn) {
     benchmark::RegisterBenchmark(name.c_str(), [fn, bytes](benchmark::State& st) {
         vkp::SelectKernels(vkpGetEnabledCpuFeatures() & ~VKP_CPU_AVX2);
         for (auto _ : st) TimedCall(fn);
-        vkp::SelectKernels(vkpGetEnabledCpuFeatures());
         st.SetBytesProcessed(int64_t(st.iterations()) * bytes);
     })->MinTime(0.05);
 }
