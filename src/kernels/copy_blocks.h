@@ -65,9 +65,13 @@ VKP_INLINE void Small(char* d, const char* s, size_t n) {
     }
 }
 
-// From this size on, string moves and stores (where the processor makes them
-// fast) beat the vector loops: they write whole lines at a time.
-constexpr size_t kFastStringsFrom = 2048;
+// From these sizes on, string moves and stores (where the processor makes them
+// fast) beat the vector loops: they write whole lines at a time. Below them
+// the loops win while the block stays in the first- and second-level caches
+// (measured: a 4 KiB copy 111 against 94 GB/s, a 4 KiB fill 212 against 101,
+// a 256 KiB fill 180 against 152; string stores ahead at 1 MiB).
+constexpr size_t kFastCopyFrom = 8192;
+constexpr size_t kFastFillFrom = size_t(1) << 20;
 
 // Streaming is worth it from 1 MiB on, once the block is at least half the
 // largest cache: it would evict the caller's working set anyway.
@@ -127,7 +131,7 @@ __attribute__((noinline)) void Backward(char* d, const char* s, size_t n) {
 // Blocks of more than 256 bytes that do not overlap.
 template <class V>
 __attribute__((noinline)) void CopyLarge(char* d, const char* s, size_t n) {
-    if (n < kFastStringsFrom) return Forward<V, false>(d, s, n);
+    if (n < kFastCopyFrom) return Forward<V, false>(d, s, n);
     if (VKP_UNLIKELY(StreamCopy(n))) return Forward<V, true>(d, s, n);
     if (HasFastStrings()) {
         asm volatile("rep movsb" : "+D"(d), "+S"(s), "+c"(n) : : "memory");
@@ -198,7 +202,7 @@ void ZeroBlock(void* dst, size_t n) {
         for (; end - p >= 4 * B; p += 4 * B)
             V::StoreStream(p, z), V::StoreStream(p + B, z), V::StoreStream(p + 2 * B, z), V::StoreStream(p + 3 * B, z);
         V::StreamFence();
-    } else if (n >= copy_detail::kFastStringsFrom && HasFastStrings()) {
+    } else if (n >= copy_detail::kFastFillFrom && HasFastStrings()) {
         asm volatile("rep stosb" : "+D"(d), "+c"(n) : "a"(0) : "memory");
         return;
     } else {
