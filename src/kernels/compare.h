@@ -2,7 +2,8 @@
 // case of A to Z, in blocks of V::kBytes.
 //
 // Eight blocks per step are compared and their equality masks combined; the
-// step with a difference is then resolved block by block. The final partial
+// step with a difference is then resolved block by block (strings of up to
+// eight blocks are first tested with blocks from both ends). The final partial
 // block is taken flush with the end (the units before it are known equal, so
 // its first difference is the string's). Strings shorter than a block are
 // compared unit by unit. Nothing outside the two ranges is read.
@@ -54,6 +55,23 @@ template <class T, class V, class Same>
 VKP_INLINE int FirstMismatch(const T* a, const T* b, int len, const Same& same) {
     constexpr int per = V::kBytes / int(sizeof(T));
     if (len < per) return MismatchUnits(a, b, 0, len, same);
+    // Up to eight blocks: K blocks from each end (overlapping in the middle)
+    // settle equal strings with one test; a difference is then located
+    // block by block below.
+    if (len <= 8 * per) {
+        auto eq = [&](int at) { return same.Vector(V::LoadU(a + at), V::LoadU(b + at)); };
+        typename V::Reg all;
+        if (len <= 2 * per) {
+            all = V::And(eq(0), eq(len - per));
+        } else if (len <= 4 * per) {
+            all = V::And(V::And(eq(0), eq(per)), V::And(eq(len - 2 * per), eq(len - per)));
+        } else {
+            const auto h = V::And(V::And(eq(0), eq(per)), V::And(eq(2 * per), eq(3 * per)));
+            const auto t = V::And(V::And(eq(len - 4 * per), eq(len - 3 * per)), V::And(eq(len - 2 * per), eq(len - per)));
+            all = V::And(h, t);
+        }
+        if (V::ByteMask(all) == V::kAllBytes) return len;
+    }
     int i = 0;
     for (; i + 8 * per <= len; i += 8 * per) {
         // Combined as a tree, so that a short string's answer waits on three
