@@ -162,11 +162,12 @@ VKP_INLINE auto FindUnit(const T* s, int len, T v, Out out) {
     const char* end = base + size_t(len) * sizeof(T);
     const char* first = kRev ? end - B : base;
     const char* other = kRev ? base : end - B;
-    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return out(HitIndex<T, kRev>(base, first, m));
-    if (end - base <= 2 * B) {
-        const uint32_t m = BlockHits<V, T, false>(other, needle);
-        return out(m ? HitIndex<T, kRev>(base, other, m) : -1);
+    if (end - base <= 2 * B) {  // both blocks tested before one branch
+        const uint32_t m = BlockHits<V, T, false>(first, needle), n = BlockHits<V, T, false>(other, needle);
+        if (VKP_LIKELY(!(m | n))) return out(-1);
+        return out(m ? HitIndex<T, kRev>(base, first, m) : HitIndex<T, kRev>(base, other, n));
     }
+    if (uint32_t m = BlockHits<V, T, false>(first, needle)) return out(HitIndex<T, kRev>(base, first, m));
     const bool odd = reinterpret_cast<uintptr_t>(base) % sizeof(T) != 0;
     if (odd) return FindUnitBlocks<V, T, kRev, false>(base, kRev ? end - B : base + B, end, v, out);
     const uintptr_t from = kRev ? (reinterpret_cast<uintptr_t>(end) - 1) & ~uintptr_t(B - 1)
