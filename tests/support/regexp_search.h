@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/guarded_buffer.h"
 #include "vkpch.h"
 
 namespace vkptest {
@@ -34,11 +35,23 @@ public:
     // Searches subject[0, length) (the whole string by default) with room
     // for `capacity` records; the byte behind the subject is readable.
     SearchResult Search(const std::string& subject, int capacity = 16, int length = -1) {
+        const auto* s = reinterpret_cast<const vkp8u*>(subject.c_str());
+        return SearchAt(s, length < 0 ? int(subject.size()) : length, capacity);
+    }
+
+    // The same with the subject flush against an inaccessible page behind
+    // (or before) it, so that a read outside it crashes the test.
+    SearchResult SearchGuarded(const std::string& subject, int capacity, GuardedBuffer::Guard guard) {
+        GuardedBuffer buf(subject.size(), guard);
+        return SearchAt(buf.fill(reinterpret_cast<const vkp8u*>(subject.data()), subject.size()), int(subject.size()),
+                        capacity);
+    }
+
+    SearchResult SearchAt(const vkp8u* s, int length, int capacity) {
         std::vector<vkpRegExpFind> found(size_t(capacity > 0 ? capacity : 1));
         int n = capacity;
         SearchResult r;
-        const auto* s = reinterpret_cast<const vkp8u*>(subject.c_str());
-        r.status = vkpsRegExpFind_8u(s, length < 0 ? int(subject.size()) : length, state(), found.data(), &n);
+        r.status = vkpsRegExpFind_8u(s, length, state(), found.data(), &n);
         if (r.status >= 0)
             for (int i = 0; i < n; ++i)
                 r.records.push_back({found[i].pMatch ? long(found[i].pMatch - s) : -1L, found[i].matchLen});

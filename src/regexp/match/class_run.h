@@ -1,4 +1,4 @@
-// Runs of ASCII members of a class or a character type, 16 bytes a step,
+// Runs of ASCII members of a class or a character type, a vector a step,
 // for the greedy repeats.
 #pragma once
 
