@@ -6,6 +6,7 @@
 #include "edit/utf_convert.h"
 
 #include "edit/utf_rules.h"
+#include "kernels/active.h"
 #include "kernels/utf_blocks.h"
 
 namespace vkp::edit {
@@ -23,6 +24,26 @@ VKP_INLINE u32 GetUnit(const u16* s) {
     return kSwap ? Swap16(x) : x;
 }
 
+// After a block of ASCII the text likely goes on in ASCII: the run kernels
+// take it whole vectors at a time, up to the source's and the room's end
+// (counts above the largest int are taken in parts by the loop).
+VKP_INLINE int RunLimit(u32 n, u32 room) {
+    const u32 m = n < room ? n : room;
+    return int(m < 0x7FFFFFFFu ? m : 0x7FFFFFFFu);
+}
+
+template <bool kSwap>
+VKP_INLINE u32 WidenAsciiRun(const u8* s, u16* d, u32 n, u32 room) {
+    const int limit = RunLimit(n, room);
+    return u32(kSwap ? kernels::active::WidenAsciiSwapped(s, d, limit) : kernels::active::WidenAscii(s, d, limit));
+}
+
+template <bool kSwap>
+VKP_INLINE u32 NarrowAsciiRun(const u16* s, u8* d, u32 n, u32 room) {
+    const int limit = RunLimit(n, room);
+    return u32(kSwap ? kernels::active::NarrowAsciiSwapped(s, d, limit) : kernels::active::NarrowAscii(s, d, limit));
+}
+
 struct FromUtf8 {
     template <bool kSwap>
     static void Run(const u8* s, u32 n, u16* d, u32 room, u32& consumed, u32& written) {
@@ -32,6 +53,10 @@ struct FromUtf8 {
                 int units;
                 if (const int used = kernels::DecodeUtf8Block<kSwap>(s + i, d + w, units)) {
                     i += u32(used), w += u32(units);
+                    if (units == 16 && used == 16) {  // all ASCII
+                        const u32 k = WidenAsciiRun<kSwap>(s + i, d + w, n - i, room - w);
+                        i += k, w += k;
+                    }
                     continue;
                 }
             }
@@ -59,6 +84,8 @@ struct FromUtf16 {
         while (i < n && w < room) {
             if (n - i >= 16 && room - w >= 16 && kernels::NarrowAscii16<kSwap>(s + i, d + w)) {
                 i += 16, w += 16;
+                const u32 k = NarrowAsciiRun<kSwap>(s + i, d + w, n - i, room - w);
+                i += k, w += k;
                 continue;
             }
             if (n - i >= 8 && room - w >= 32) {

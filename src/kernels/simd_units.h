@@ -77,7 +77,14 @@ struct Vec128 : UnitOps<Vec128> {
     // the index byte has its top bit set), within each 16-byte lane.
     static VKP_INLINE Reg Lookup(Reg table, Reg index) { return _mm_shuffle_epi8(table, index); }
     static VKP_INLINE Reg ShiftRight16(Reg v, int n) { return _mm_srli_epi16(v, n); }
+    static VKP_INLINE Reg ShiftLeft16(Reg v, int n) { return _mm_slli_epi16(v, n); }
     static VKP_INLINE Reg ShiftLeft32(Reg v, int n) { return _mm_slli_epi32(v, n); }
+    // kBytes / 2 bytes from p zero-extended to 16-bit lanes, in order.
+    static VKP_INLINE Reg LoadWiden8(const void* p) {
+        return _mm_unpacklo_epi8(_mm_loadl_epi64(static_cast<const Reg*>(p)), _mm_setzero_si128());
+    }
+    // The 16-bit lanes of a, then b (each below 0x100), as bytes in order.
+    static VKP_INLINE Reg Narrow16(Reg a, Reg b) { return _mm_packus_epi16(a, b); }
     // 8u units widened to 16u, from the low and the high half of the vector
     // (of each 16-byte lane).
     static VKP_INLINE Reg WidenLow(Reg v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }

@@ -26,7 +26,9 @@ inline std::vector<uint8_t> RandomUtf8(Rng& rng, size_t n, bool wellFormed = fal
     while (out.size() < n) {
         switch (RandomInt(rng, 0, wellFormed ? 3 : 9)) {
             case 0:
-                for (int k = RandomInt(rng, 1, 24); k > 0; --k) out.push_back(uint8_t(RandomInt(rng, 0x20, 0x7E)));
+                // ASCII runs, some across several 32-byte blocks.
+                for (int k = RandomInt(rng, 1, RandomInt(rng, 0, 3) ? 24 : 130); k > 0; --k)
+                    out.push_back(uint8_t(RandomInt(rng, 0x20, 0x7E)));
                 break;
             case 1: PutUtf8(out, uint32_t(RandomInt(rng, 0x80, 0x7FF)), 2); break;
             case 2: {
@@ -61,7 +63,8 @@ inline std::vector<uint16_t> RandomUtf16(Rng& rng, size_t n) {
     while (out.size() < n) {
         switch (RandomInt(rng, 0, 5)) {
             case 0:
-                for (int k = RandomInt(rng, 1, 24); k > 0; --k) out.push_back(uint16_t(RandomInt(rng, 0x20, 0x7E)));
+                for (int k = RandomInt(rng, 1, RandomInt(rng, 0, 3) ? 24 : 130); k > 0; --k)
+                    out.push_back(uint16_t(RandomInt(rng, 0x20, 0x7E)));
                 break;
             case 1: out.push_back(uint16_t(RandomInt(rng, 0x80, 0x7FF))); break;
             case 2: out.push_back(uint16_t(RandomInt(rng, 0x800, 0xFFFF))); break;

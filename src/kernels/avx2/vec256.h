@@ -55,6 +55,10 @@ struct Vec256 : UnitOps<Vec256> {
     static VKP_INLINE Reg Add16(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
     static VKP_INLINE Reg Lookup(Reg table, Reg index) { return _mm256_shuffle_epi8(table, index); }
     static VKP_INLINE Reg ShiftRight16(Reg v, int n) { return _mm256_srli_epi16(v, n); }
+    static VKP_INLINE Reg ShiftLeft16(Reg v, int n) { return _mm256_slli_epi16(v, n); }
+    static VKP_INLINE Reg LoadWiden8(const void* p) { return _mm256_cvtepu8_epi16(_mm_loadu_si128(static_cast<const __m128i*>(p))); }
+    // The pack works within 16-byte lanes; the quarter swap puts them in order.
+    static VKP_INLINE Reg Narrow16(Reg a, Reg b) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8); }
     static VKP_INLINE Reg ShiftLeft32(Reg v, int n) { return _mm256_slli_epi32(v, n); }
     // The hash's widening and summing members are left out: its power table
     // is laid out for 16-byte vectors.
