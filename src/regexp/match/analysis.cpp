@@ -63,7 +63,7 @@ void KeepClass(const Instruction* prog, int i, u32 options, Analysis* a) {
 }
 
 // Walks the alternatives of [from, to) (bars with a == link): keeps the
-// ASCII members of repeated classes, and marks the greedy single-item
+// ASCII members of classes, and marks the greedy single-item
 // repeats whose continuation within the alternative must begin with a byte
 // the item can never begin with: at every shorter run the next character
 // is one the item matched, so the continuation cannot start there.
@@ -78,7 +78,7 @@ void MarkItems(const Instruction* prog, int from, int to, int link, u32 options,
         if (ins.op == OP_SETFLAGS) options = static_cast<u32>(ins.a);
         const int next = NextItem(prog, i);
         if (next > to) return;  // malformed: nothing more is marked
-        if (ins.op == OP_CLASS && next < to && vkp::IsRepeat(prog[next].op)) KeepClass(prog, i, options, a);
+        if (ins.op == OP_CLASS) KeepClass(prog, i, options, a);
         if (IsOpener(ins.op)) {
             if (depth < kMaxWalkDepth) {
                 const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : options;

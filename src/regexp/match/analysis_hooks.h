@@ -3,6 +3,7 @@
 // ASCII members of classes.
 #pragma once
 
+#include "regexp/match/items.h"
 #include "regexp/match/match_context.h"
 
 namespace vkp::regexp {
@@ -34,6 +35,13 @@ VKP_INLINE const ClassBits* CachedClass(const MatchContext* ctx, const Instructi
 VKP_INLINE int CachedClassTest(const MatchContext* ctx, const Instruction* cls, u8 c) {
     const ClassBits* k = c < 0x80 ? CachedClass(ctx, cls) : nullptr;
     return k ? (k->bits[c >> 5] >> (c & 31)) & 1 : -1;
+}
+
+// The length of the character at p (before end) when the class at cls takes
+// it, else 0: an ASCII byte answered from the kept members when there are.
+VKP_INLINE int ClassStep(const u8* p, const u8* end, const MatchContext* ctx, const Instruction* cls) {
+    const int known = CachedClassTest(ctx, cls, *p);
+    return known >= 0 ? known : ClassLength(p, end, cls, ctx->options);
 }
 
 constexpr int kPossessiveBits = 6144;  // repeat records beyond are not marked

@@ -6,6 +6,7 @@
 // continuation fails hold a stack frame.
 #include <string.h>
 
+#include "regexp/match/analysis_hooks.h"
 #include "regexp/match/items.h"
 #include "regexp/match/memo.h"
 
@@ -82,7 +83,7 @@ int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budge
                 const Instruction* r = ip + ip->b + 1;
                 if (r < ctx->programEnd && IsRepeat(r)) return RepeatClass(pos, ctx, ip, budget);
                 if (pos >= end) return 1;
-                const int n = ClassLength(pos, end, ip, ctx->options);
+                const int n = ClassStep(pos, end, ctx, ip);
                 if (n == 0) return 1;
                 pos += n;
                 ip = r;

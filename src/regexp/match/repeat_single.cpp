@@ -219,8 +219,7 @@ struct ClassItem {
         return k ? AsciiMemberRun(p, n, *k) : 0;
     }
     static int Length(const u8* p, const MatchContext* ctx, const Instruction* ip) {
-        const int known = CachedClassTest(ctx, ip, *p);
-        return known >= 0 ? known : ClassLength(p, ctx->subjectEnd, ip, ctx->options);
+        return ClassStep(p, ctx->subjectEnd, ctx, ip);
     }
 };
 struct PropertyItem : NoRun {
