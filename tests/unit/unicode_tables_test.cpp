@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <map>
-#include <string>
 #include <vector>
 
 #include "regexp/compile/unicode_names.h"
@@ -13,63 +12,6 @@
 namespace vkp {
 namespace {
 
-const char* const kBlockNames[kBlockCount] = {
-    "InBasicLatin", "InLatin1Supplement", "InLatinExtendedA", "InLatinExtendedB", "InIPAExtensions",
-    "InSpacingModifierLetters", "InCombiningDiacriticalMarks", "InGreekandCoptic", "InCyrillic",
-    "InCyrillicSupplement", "InArmenian", "InHebrew", "InArabic", "InSyriac", "InArabicSupplement",
-    "InThaana", "InNKo", "InDevanagari", "InBengali", "InGurmukhi", "InGujarati", "InOriya", "InTamil",
-    "InTelugu", "InKannada", "InMalayalam", "InSinhala", "InThai", "InLao", "InTibetan", "InMyanmar",
-    "InGeorgian", "InHangulJamo", "InEthiopic", "InEthiopicSupplement", "InCherokee",
-    "InUnifiedCanadianAboriginalSyllabics", "InOgham", "InRunic", "InTagalog", "InHanunoo", "InBuhid",
-    "InTagbanwa", "InKhmer", "InMongolian", "InLimbu", "InTaiLe", "InNewTaiLue", "InKhmerSymbols",
-    "InBuginese", "InBalinese", "InSundanese", "InLepcha", "InOlChiki", "InPhoneticExtensions",
-    "InPhoneticExtensionsSupplement", "InCombiningDiacriticalMarksSupplement",
-    "InLatinExtendedAdditional", "InGreekExtended", "InGeneralPunctuation",
-    "InSuperscriptsandSubscripts", "InCurrencySymbols", "InCombiningDiacriticalMarksforSymbols",
-    "InLetterlikeSymbols", "InNumberForms", "InArrows", "InMathematicalOperators",
-    "InMiscellaneousTechnical", "InControlPictures", "InOpticalCharacterRecognition",
-    "InEnclosedAlphanumerics", "InBoxDrawing", "InBlockElements", "InGeometricShapes",
-    "InMiscellaneousSymbols", "InDingbats", "InMiscellaneousMathematicalSymbolsA",
-    "InSupplementalArrowsA", "InBraillePatterns", "InSupplementalArrowsB",
-    "InMiscellaneousMathematicalSymbolsB", "InSupplementalMathematicalOperators",
-    "InMiscellaneousSymbolsandArrows", "InGlagolitic", "InLatinExtendedC", "InCoptic",
-    "InGeorgianSupplement", "InTifinagh", "InEthiopicExtended", "InCyrillicExtendedA",
-    "InSupplementalPunctuation", "InCJKRadicalsSupplement", "InKangxiRadicals",
-    "InIdeographicDescriptionCharacters", "InCJKSymbolsandPunctuation", "InHiragana", "InKatakana",
-    "InBopomofo", "InHangulCompatibilityJamo", "InKanbun", "InBopomofoExtended", "InCJKStrokes",
-    "InKatakanaPhoneticExtensions", "InEnclosedCJKLettersandMonths", "InCJKCompatibility",
-    "InCJKUnifiedIdeographsExtensionA", "InYijingHexagramSymbols", "InCJKUnifiedIdeographs",
-    "InYiSyllables", "InYiRadicals", "InVai", "InCyrillicExtendedB", "InModifierToneLetters",
-    "InLatinExtendedD", "InSylotiNagri", "InPhagspa", "InSaurashtra", "InKayahLi", "InRejang",
-    "InCham", "InHangulSyllables", "InHighSurrogates", "InHighPrivateUseSurrogates",
-    "InLowSurrogates", "InPrivateUseArea", "InCJKCompatibilityIdeographs",
-    "InAlphabeticPresentationForms", "InArabicPresentationFormsA", "InVariationSelectors",
-    "InVerticalForms", "InCombiningHalfMarks", "InCJKCompatibilityForms", "InSmallFormVariants",
-    "InArabicPresentationFormsB", "InHalfwidthandFullwidthForms", "InSpecials",
-    "InLinearBSyllabary", "InLinearBIdeograms", "InAegeanNumbers", "InAncientGreekNumbers",
-    "InAncientSymbols", "InPhaistosDisc", "InLycian", "InCarian", "InOldItalic", "InGothic",
-    "InUgaritic", "InOldPersian", "InDeseret", "InShavian", "InOsmanya", "InCypriotSyllabary",
-    "InPhoenician", "InLydian", "InKharoshthi", "InCuneiform", "InCuneiformNumbersandPunctuation",
-    "InByzantineMusicalSymbols", "InMusicalSymbols", "InAncientGreekMusicalNotation",
-    "InTaiXuanJingSymbols", "InCountingRodNumerals", "InMathematicalAlphanumericSymbols",
-    "InMahjongTiles", "InDominoTiles", "InCJKUnifiedIdeographsExtensionB",
-    "InCJKCompatibilityIdeographsSupplement", "InTags", "InVariationSelectorsSupplement",
-    "InSupplementaryPrivateUseAreaA", "InSupplementaryPrivateUseAreaB",
-};
-
-const char* const kScriptNames[kScriptCount] = {
-    "Common", "Latin", "Greek", "Cyrillic", "Armenian", "Hebrew", "Arabic", "Syriac", "Thaana",
-    "Devanagari", "Bengali", "Gurmukhi", "Gujarati", "Oriya", "Tamil", "Telugu", "Kannada",
-    "Malayalam", "Sinhala", "Thai", "Lao", "Tibetan", "Myanmar", "Georgian", "Hangul", "Ethiopic",
-    "Cherokee", "Canadian_Aboriginal", "Ogham", "Runic", "Khmer", "Mongolian", "Hiragana",
-    "Katakana", "Bopomofo", "Han", "Yi", "Old_Italic", "Gothic", "Deseret", "Inherited", "Tagalog",
-    "Hanunoo", "Buhid", "Tagbanwa", "Limbu", "Tai_Le", "Linear_B", "Ugaritic", "Shavian",
-    "Osmanya", "Cypriot", "Braille", "Buginese", "Coptic", "New_Tai_Lue", "Glagolitic", "Tifinagh",
-    "Syloti_Nagri", "Old_Persian", "Kharoshthi", "Balinese", "Cuneiform", "Phoenician", "Phags_Pa",
-    "Nko", "Sundanese", "Lepcha", "Ol_Chiki", "Vai", "Saurashtra", "Kayah_Li", "Rejang", "Lycian",
-    "Carian", "Lydian", "Cham",
-};
-
 const ScriptRecord& Script(const char* name) {
     for (const ScriptRecord& s : kScripts)
         if (std::strcmp(s.name, name) == 0) return s;
@@ -77,9 +19,11 @@ const ScriptRecord& Script(const char* name) {
     return kScripts[0];
 }
 
-TEST(UnicodeBlocks, NamesInTableOrderAndAscendingRanges) {
+// The names and ranges themselves are the generator's output (the
+// unicode.tables_fresh test regenerates them); here, the invariants the
+// lookups rely on and a few rows read from the Unicode data by hand.
+TEST(UnicodeBlocks, AscendingRanges) {
     for (int i = 0; i < kBlockCount; ++i) {
-        EXPECT_STREQ(kBlocks[i].name, kBlockNames[i]) << i;
         EXPECT_LE(kBlocks[i].first, kBlocks[i].last) << kBlocks[i].name;
         if (i > 0) {
             EXPECT_GT(kBlocks[i].first, kBlocks[i - 1].last) << kBlocks[i].name;
@@ -107,7 +51,6 @@ TEST(UnicodeScripts, LookupOrderAndDisjointAscendingRanges) {
     int total = 0;
     for (int i = 0; i < kScriptCount; ++i) {
         const ScriptRecord& s = kScripts[i];
-        EXPECT_STREQ(s.name, kScriptNames[i]) << i;
         EXPECT_EQ(s.firstRange, total) << s.name;
         ASSERT_GT(s.rangeCount, 0) << s.name;
         total += s.rangeCount;
@@ -120,16 +63,6 @@ TEST(UnicodeScripts, LookupOrderAndDisjointAscendingRanges) {
         }
     }
     EXPECT_EQ(total, kScriptRangeCount);
-}
-
-TEST(UnicodeScripts, RangeCounts) {
-    const std::map<std::string, int> counts = {
-        {"Common", 530}, {"Latin", 42}, {"Greek", 51}, {"Cyrillic", 18},
-        {"Armenian", 6}, {"Hebrew", 22}, {"Arabic", 36}, {"Syriac", 7},
-        {"Thaana", 3}, {"Devanagari", 17}, {"Bengali", 25}, {"Gurmukhi", 21},
-    };
-    for (const auto& [name, count] : counts)
-        EXPECT_EQ(Script(name.c_str()).rangeCount, count) << name;
 }
 
 TEST(UnicodeScripts, TellingRows) {
@@ -213,31 +146,6 @@ CaseMapping CaseOf(u16 c) {
     return {(w & kCaseHasUpper) != 0, (w & kCaseHasLower) != 0, u32(c - d), u32(c + d), d};
 }
 
-TEST(CaseMap, CountsAndDeltas) {
-    int lowers = 0, uppers = 0, minDelta = 1 << 10, maxDelta = -(1 << 10);
-    std::map<int, int> deltaUse;
-    for (u32 c = 0; c < 0x10000; ++c) {
-        CaseMapping m = CaseOf(u16(c));
-        if (m.hasLower) {
-            ++lowers;
-            minDelta = std::min(minDelta, m.delta);
-            maxDelta = std::max(maxDelta, m.delta);
-        }
-        uppers += m.hasUpper;
-        if (m.hasLower || m.hasUpper) ++deltaUse[m.delta];
-    }
-    EXPECT_EQ(lowers, 704);
-    EXPECT_EQ(uppers, 673);
-    EXPECT_EQ(minDelta, -199);
-    EXPECT_EQ(maxDelta, 219);
-    // The commonest deltas, in order of use.
-    std::multimap<int, int, std::greater<int>> byUse;
-    for (auto [delta, n] : deltaUse) byUse.emplace(n, delta);
-    const int commonest[] = {1, 32, -8, 48, 26};
-    auto it = byUse.begin();
-    for (int d : commonest) EXPECT_EQ((it++)->second, d);
-}
-
 // The mapping the generator computed from the Unicode data, as a plain list.
 struct ListedCase { u32 unit; int upper, lower; };
 const ListedCase kListedCases[] = {
@@ -258,21 +166,6 @@ TEST(CaseMap, EveryUnitMatchesTheGeneratorsList) {
         CaseMapping m = CaseOf(u16(c));
         ASSERT_EQ(m.hasUpper ? int(m.upper) : -1, want[c].first) << std::hex << c;
         ASSERT_EQ(m.hasLower ? int(m.lower) : -1, want[c].second) << std::hex << c;
-    }
-}
-
-TEST(CaseMap, MappedUnitsLieInTheListedStretches) {
-    const CodeRange stretches[] = {
-        {0x41, 0x7A}, {0xC0, 0x217}, {0x253, 0x272}, {0x283, 0x292}, {0x386, 0x3F6},
-        {0x400, 0x4F9}, {0x531, 0x586}, {0x10A0, 0x10C5}, {0x1E00, 0x1FFC},
-        {0x2160, 0x217F}, {0x24B6, 0x24E9}, {0xFF21, 0xFF5A},
-    };
-    for (u32 c = 0; c < 0x10000; ++c) {
-        CaseMapping m = CaseOf(u16(c));
-        if (!m.hasLower && !m.hasUpper) continue;
-        bool listed = false;
-        for (const CodeRange& s : stretches) listed |= s.first <= c && c <= s.last;
-        EXPECT_TRUE(listed) << std::hex << c;
     }
 }
 
