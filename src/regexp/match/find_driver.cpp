@@ -176,7 +176,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
     ctx.mustEndAt = nullptr;
     ctx.records = RecordsOf(state);
     ctx.groups = reinterpret_cast<GroupEntry*>(state->workArea);
-    ctx.stackFloor = stackFloor;
+    ctx.stackFloor = stackFloor ? stackFloor : ThreadStackFloor();
     ctx.stackExhausted = 0;
     BoundsInit(&ctx, memo, effLen, count, state->matchLimit);
 
@@ -249,10 +249,11 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
 
 Status FindTimeBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
                        bool allRecords) {
-    const char* floor = ThreadStackFloor();
-    const Status st = FindInState(src, srcLen, state, matches, numMatches, floor, nullptr, allRecords);
+    // The stack floor is looked up only when the matcher runs: literal
+    // programs and searches settled by the prefilters do without it.
+    const Status st = FindInState(src, srcLen, state, matches, numMatches, nullptr, nullptr, allRecords);
     if (st != kSearchAgain) return st;
-    return FindBounded(src, srcLen, state, matches, numMatches, floor, allRecords);
+    return FindBounded(src, srcLen, state, matches, numMatches, ThreadStackFloor(), allRecords);
 }
 
 }  // namespace vkp::regexp

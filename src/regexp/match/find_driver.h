@@ -8,7 +8,8 @@ namespace vkp::regexp {
 struct Memo;
 
 // vkpsRegExpFind_8u after its argument checks, with the matcher's recursion
-// limited to stack addresses above stackFloor. Without memo the search
+// limited to stack addresses above stackFloor (null: the calling thread's,
+// looked up when the matcher runs). Without memo the search
 // gives up after a number of steps (kSearchAgain); with it, the search uses
 // that failure table and ends at a larger cap (memo.h). With allRecords a
 // global search reports record 0 and every group for each match (replace
