@@ -240,12 +240,13 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     if (a->anchorMode == 0 && firstBar == count) FilterRunBefore(program, count, options, a);
-    // A required byte that the start filter searches for already adds a
-    // second scan and nothing else.
+    // A required byte that the start filter searches for adds a second scan
+    // of what the filter scans; the driver tests it only on short subjects,
+    // where it saves setting up the matcher for a line without it.
     const StartFilter& f = a->filter;
     const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore;
     const int filterByte = f.mode == StartFilter::kByte ? f.byte : literal && !f.caseless ? f.literal[0] : -1;
-    if (!a->requiredCaseless && a->requiredByte == filterByte) a->requiredByte = -1;
+    a->requiredByFilter = !a->requiredCaseless && a->requiredByte >= 0 && a->requiredByte == filterByte;
     return FillGroupTable(program, count, groups);
 }
 

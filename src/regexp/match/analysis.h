@@ -28,6 +28,7 @@ struct Analysis {
     u8 leadLiteral;        // every match begins with the literal at index 0
     u8 literalsOnly;       // the program is one literal, or literals between top-level bars
     u8 literalContinuationLed;  // ... one of which begins with a UTF-8 continuation byte
+    u8 requiredByFilter;   // the start filter searches for the required byte itself
     int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
     StartFilter filter;    // kNone when anchored or unknown
     // Greedy repeats of one item whose continuation cannot begin with

@@ -29,6 +29,8 @@ void Append(const RegExpFind* records, int first, int count, RegExpFind* out, in
     for (int k = first; k < first + count && *written < cap; ++k) out[(*written)++] = records[k];
 }
 
+constexpr int kShortSubject = 256;
+
 // A byte every match holds, searched for from pos on: *at caches where it
 // was last found.
 bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8** at) {
@@ -144,9 +146,11 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
         }
     }
 
-    // 4. A byte every match holds.
+    // 4. A byte every match holds (when the start filter searches for it,
+    // only on a short subject: one scan of a line is cheaper than setting up
+    // the matcher for a line without it).
     const u8* required = nullptr;
-    if (!RequiredByteAhead(an, start, start + effLen, &required)) {
+    if ((!an.requiredByFilter || effLen <= kShortSubject) && !RequiredByteAhead(an, start, start + effLen, &required)) {
         *numMatches = 0;
         return kOk;
     }
@@ -205,7 +209,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
     const u8* pos = start;
     const u8* const end = start + effLen;
     while (written < cap) {
-        if (!RequiredByteAhead(an, pos, end, &required)) break;
+        if (!an.requiredByFilter && !RequiredByteAhead(an, pos, end, &required)) break;
         ctx.notEmpty = 0;
         if (MatchStart(pos, static_cast<int>(end - pos), &ctx, anchorMode, firstAlternative) != 0) break;
         Append(ctx.records, firstRecord, perMatch, matches, cap, &written);
