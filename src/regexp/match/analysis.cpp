@@ -241,8 +241,9 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     if (a->anchorMode == 0 && firstBar == count) FilterRunBefore(program, count, options, a);
     // A required byte that the start filter searches for adds a second scan
-    // of what the filter scans; the driver tests it only on short subjects,
-    // where it saves setting up the matcher for a line without it.
+    // of what the filter scans; the driver then tests the filter's literal
+    // instead, on short subjects only, where that saves setting up the
+    // matcher for a line without it.
     const StartFilter& f = a->filter;
     const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore;
     const int filterByte = f.mode == StartFilter::kByte ? f.byte : literal && !f.caseless ? f.literal[0] : -1;

@@ -43,6 +43,13 @@ bool RequiredByteAhead(const Analysis& a, const u8* pos, const u8* end, const u8
     return true;
 }
 
+// Whether the byte or literal the start filter searches for (kByte,
+// kLiteral, kRunBefore) occurs in s[0, len).
+bool FilterTargetAhead(const StartFilter& f, const u8* s, int len) {
+    if (f.mode == StartFilter::kByte) return FindLiteral(s, len, &f.byte, 1, false) >= 0;
+    return FindLiteral(s, len, f.literal, f.literalLength, f.caseless != 0) >= 0;
+}
+
 // The leftmost occurrence in s[0, len) of any of the literals at 0, 2, 4,
 // ... below count (the alternatives of an alternation of literals, or a
 // program that is one literal), the earliest literal among those found at
@@ -146,11 +153,14 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
         }
     }
 
-    // 4. A byte every match holds (when the start filter searches for it,
-    // only on a short subject: one scan of a line is cheaper than setting up
-    // the matcher for a line without it).
+    // 4. A byte every match holds. When the start filter searches for it,
+    // what the filter searches for (a literal every match holds, which
+    // begins with that byte) is tested instead, on a short subject only:
+    // one scan of a line is cheaper than setting up the matcher for a line
+    // without it.
     const u8* required = nullptr;
-    if ((!an.requiredByFilter || effLen <= kShortSubject) && !RequiredByteAhead(an, start, start + effLen, &required)) {
+    if (an.requiredByFilter ? effLen <= kShortSubject && !FilterTargetAhead(an.filter, start, effLen)
+                            : !RequiredByteAhead(an, start, start + effLen, &required)) {
         *numMatches = 0;
         return kOk;
     }
