@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets. `make demo` and `make test` install
 # what is missing (scripts/install-deps.sh), configure, build and run.
-.PHONY: all deps demo test test-native test-sanitize test-tsan test-windows fuzz bench install clean regen-unicode
+.PHONY: all deps demo test test-native test-sanitize test-tsan test-windows fuzz bench install clean regen-unicode peer-seeds
 
 FUZZ_SECONDS ?= 20
 FUZZ_REGEXP_SECONDS ?= 60
@@ -59,6 +59,17 @@ fuzz:
 	bash scripts/run-fuzzers.sh build/sanitize/bin $(FUZZ_SECONDS) \
 	  fuzz_regexp_compile=$(FUZZ_REGEXP_SECONDS) fuzz_regexp_find=$(FUZZ_REGEXP_SECONDS) \
 	  fuzz_regexp_replace=$(FUZZ_REGEXP_SECONDS)
+
+# The libpcre2 comparison on many seeds (make test runs one).
+PEER_SEEDS ?= $(shell seq 1 50)
+PEER_PATTERNS ?= 20000
+peer-seeds: deps
+	cmake --preset native >/dev/null
+	cmake --build --preset native --target vkpch_regexp_peer
+	@for s in $(PEER_SEEDS); do \
+	  VKPCH_PEER_SEED=$$s VKPCH_PEER_PATTERNS=$(PEER_PATTERNS) build/native/bin/vkpch_regexp_peer --gtest_brief=1 \
+	    || exit 1; \
+	done
 
 bench: deps
 	cmake --preset native
