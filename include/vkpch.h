@@ -7,6 +7,16 @@
  * touched: null pointers first (VKP_ERR_NULL), then counts (VKP_ERR_SIZE),
  * then negative lengths and ranges (VKP_ERR_LENGTH).
  *
+ * What a call writes: only the outputs its parameters name, and within them
+ * only the units of the result it reports (a length, a count of records, a
+ * result word), never beyond a capacity it was given. Two exceptions: the
+ * UTF converters may also write scratch units anywhere in their destination
+ * below the capacity passed in *pDstLen, behind the units they report; and
+ * a regular-expression search writes the work area of the pattern block it
+ * is given (so one block serves one thread at a time). Inputs are read only
+ * within their lengths, except that a regular-expression search reads one
+ * byte behind the subject for the word-boundary anchors.
+ *
  * The library owns no buffers, allocates nothing (except the InitAlloc
  * functions) and keeps no state beyond the processor variant chosen when it
  * is loaded (and the processor's cache size, read once by the copy kernels).
@@ -248,6 +258,8 @@ VKPCH_API vkpStatus vkpsTrimEndCAny_16u(const vkp16u* pSrc, int srcLen, const vk
  * stops before a character that does not fit or is cut off by the end of
  * the source; it returns 0 then too, so compare *pSrcLen with what you
  * passed.
+ * The converters write whole vector blocks: any unit of pDst below the
+ * capacity may be overwritten, also behind the *pDstLen units reported.
  * ------------------------------------------------------------------------- */
 
 VKPCH_API vkpStatus vkpsConvertUTF_8u16u(const vkp8u* pSrc, int* pSrcLen, vkp16u* pDst, int* pDstLen, int bigEndian);
