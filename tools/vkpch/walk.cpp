@@ -1,0 +1,96 @@
+#include "walk.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "io.h"
+
+namespace fs = std::filesystem;
+
+bool GlobMatch(const char* g, const char* n) {
+    for (; *g; ++g, ++n) {
+        if (*g == '*') {
+            while (g[1] == '*') ++g;
+            for (const char* k = n;; ++k) {
+                if (GlobMatch(g + 1, k)) return true;
+                if (!*k) return false;
+            }
+        }
+        if (!*n) return false;
+        if (*g == '?') continue;
+        if (*g == '[') {
+            const char* p = g + 1;
+            const bool negate = *p == '!' || *p == '^';
+            if (negate) ++p;
+            bool found = false;
+            const char* start = p;
+            for (; *p && (*p != ']' || p == start); ++p) {
+                if (p[1] == '-' && p[2] && p[2] != ']') {
+                    found |= (unsigned char)*n >= (unsigned char)p[0] && (unsigned char)*n <= (unsigned char)p[2];
+                    p += 2;
+                } else {
+                    found |= *p == *n;
+                }
+            }
+            if (*p == ']') {
+                if (found == negate) return false;
+                g = p;
+                continue;
+            }
+        }
+        if (*g == '\\' && g[1]) ++g;
+        if (*g != *n) return false;
+    }
+    return !*n;
+}
+
+namespace {
+
+std::string Base(const std::string& path) {
+    size_t end = path.size();
+    while (end > 1 && path[end - 1] == '/') --end;
+    const size_t slash = path.find_last_of('/', end - 1);
+    return path.substr(slash == std::string::npos ? 0 : slash + 1, end - (slash == std::string::npos ? 0 : slash + 1));
+}
+
+bool AnyMatch(const std::vector<std::string>& globs, const std::string& name) {
+    for (const std::string& g : globs)
+        if (GlobMatch(g.c_str(), name.c_str())) return true;
+    return false;
+}
+
+}  // namespace
+
+bool FileWanted(const WalkRules& rules, const std::string& path) {
+    const std::string name = Base(path);
+    if (AnyMatch(rules.exclude, name)) return false;
+    return rules.include.empty() || AnyMatch(rules.include, name);
+}
+
+void Walk(const std::string& dir, const WalkRules& rules, std::vector<WalkEntry>* out) {
+    std::error_code ec;
+    std::vector<std::string> names;
+    for (fs::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
+        names.push_back(it->path().filename().string());
+    if (ec) {
+        out->push_back({dir, dir + ": " + ErrorText(ec.value())});
+        return;
+    }
+    std::sort(names.begin(), names.end());
+    const std::string prefix = dir.empty() || dir.back() == '/' ? dir : dir + "/";
+    for (const std::string& name : names) {
+        const std::string path = prefix + name;
+        const fs::file_status link = fs::symlink_status(path, ec);
+        const bool isLink = fs::is_symlink(link);
+        if (isLink && !rules.followLinks) continue;  // symbolic links are followed with -R only
+        const fs::file_status st = isLink ? fs::status(path, ec) : link;
+        if (fs::is_directory(st)) {
+            if (!AnyMatch(rules.excludeDir, name)) Walk(path, rules, out);
+        } else if (ec && isLink) {
+            out->push_back({path, path + ": " + ErrorText(ec.value())});
+        } else if (fs::is_regular_file(st) && FileWanted(rules, path)) {
+            out->push_back({path, ""});
+        }
+    }
+}
