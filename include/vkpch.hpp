@@ -491,18 +491,38 @@ private:
                 room = std::min(most, room * 4);
                 continue;
             }
-            if (std::size_t(srcLen) < src.size()) {  // the result does not fit
-                if (out.size() >= std::size_t(INT32_MAX)) {
+            // A piece is written only when it fits strictly within the room
+            // left, so the whole result needs one byte more than its size.
+            const std::size_t size = ResultSize(src, records.data(), std::size_t(count), tmpl);
+            if (std::size_t(srcLen) < src.size() || std::size_t(dstLen) != size) {
+                if (size >= std::size_t(INT32_MAX)) {
                     out.clear();
                     return VKP_ERR_LENGTH;
                 }
-                out.resize(std::min(out.size() * 2, std::size_t(INT32_MAX)));
+                out.resize(size + 1);
                 continue;
             }
             out.resize(std::size_t(dstLen));
             records.resize(std::size_t(count));
             return count > 0 ? 1 : 0;
         }
+    }
+
+    // The length of src with the matches in records replaced by the template.
+    std::size_t ResultSize(std::string_view src, const vkpRegExpFind* records, std::size_t count,
+                           const vkpRegExpReplaceState* tmpl) const {
+        const std::size_t groups = std::size_t(std::max(groupCount(), 1));
+        std::size_t size = src.size();
+        for (std::size_t r = 0; r + groups <= count; r += groups) {
+            size -= std::size_t(std::max(records[r].matchLen, 0));
+            for (int i = 0; i < tmpl->itemCount; ++i) {
+                const vkpRegExpReplaceItem& item = tmpl->pItems[i];
+                if (item.kind == VKP_REPLACE_LITERAL) size += std::size_t(item.value);
+                else if (std::size_t(item.value) < groups && records[r + std::size_t(item.value)].pMatch)
+                    size += std::size_t(std::max(records[r + std::size_t(item.value)].matchLen, 0));
+            }
+        }
+        return size;
     }
 
     // The replace call takes no empty source: an empty subject that matches

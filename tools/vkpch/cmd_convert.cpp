@@ -91,11 +91,8 @@ public:
         }
         if (from_ == Enc::Utf16 && !final) return true;  // not two bytes yet
         if (from_ == Enc::Utf16) from_ = Enc::Utf16LE;
-        if (to_ == Enc::Utf16) {
-            static const unsigned char kMark[2] = {0xFF, 0xFE};
-            Output::Stdout().Write(reinterpret_cast<const char*>(kMark), 2);
-            to_ = Enc::Utf16LE;
-        }
+        const bool mark = to_ == Enc::Utf16;  // written before the first unit
+        if (mark) to_ = Enc::Utf16LE;
         size_t usable = pending_.size();
         bool ok = true;
         if (from_ == Enc::Utf8) {
@@ -118,6 +115,12 @@ public:
         } else {
             if (from_ != Enc::Utf8 && from_ != to_)
                 for (vkp16u& u : units_) u = Swap(u);
+            if (mark && !units_.empty()) {
+                static const unsigned char kMark[2] = {0xFF, 0xFE};
+                Output::Stdout().Write(reinterpret_cast<const char*>(kMark), 2);
+            } else if (mark) {
+                to_ = Enc::Utf16;
+            }
             Output::Stdout().Write(reinterpret_cast<const char*>(units_.data()), units_.size() * 2);
             units_.clear();
         }
@@ -194,7 +197,8 @@ private:
     void EncodeUtf8(bool final) {
         const int bigEndian = from_ == Enc::Utf16BE;
         size_t n = units_.size();
-        if (!final && n) {
+        if (n == 0) return;
+        if (!final) {
             const vkp16u last = bigEndian ? Swap(units_[n - 1]) : units_[n - 1];
             if (last >= 0xD800 && last <= 0xDBFF) --n;  // may pair with the next chunk's first unit
         }

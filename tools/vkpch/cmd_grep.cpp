@@ -104,7 +104,7 @@ struct Job {
 
 // Searches the jobs on `workers` threads; outputs are written in job order.
 int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withName, unsigned workers, bool* stop,
-                bool* errors, bool* selected, const std::function<void(const std::string&)>& emit) {
+                bool* errors, bool* selected, const std::function<void(const std::string&, bool)>& emit) {
     struct Slot {
         bool done = false;
         std::string out;
@@ -155,7 +155,7 @@ int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withNa
             slot = std::move(slots[written]);
         }
         if (!quit) {
-            emit(slot.out);
+            emit(slot.out, slot.result.binaryMatch);
             if (!slot.result.messages.empty()) {
                 Output::Stdout().Flush();
                 std::fputs(slot.result.messages.c_str(), stderr);
@@ -247,7 +247,6 @@ int CmdGrep(const Args& args) {
         AddPatterns(operands.front(), false, &s.patterns);
         operands.erase(operands.begin());
     }
-    if (s.onlyMatching) s.after = s.before = 0;
     if (s.maxCount == 0) return 1;
     const char* term = std::getenv("TERM");
     s.color = colorWhen == "always" ||
@@ -275,12 +274,12 @@ int CmdGrep(const Args& args) {
     GrepPatterns patterns;
     if (!patterns.Compile(s)) return 2;
     bool errors = false, selected = false, stop = false, printed = false;
-    const bool context = (s.after > 0 || s.before > 0) && !s.count && !s.listMatching && !s.listMissing;
-    auto emit = [&](const std::string& out) {
-        if (out.empty()) return;
-        if (context && printed) Output::Stdout().Write(s.color ? "\33[36m\33[K--\33[m\33[K\n" : "--\n");
+    const bool context = (s.after >= 0 || s.before >= 0) && !s.count && !s.listMatching && !s.listMissing;
+    auto emit = [&](const std::string& out, bool binaryMatch) {
+        if (!out.empty() && context && printed)
+            Output::Stdout().Write(s.color ? "\33[36m\33[K--\33[m\33[K\n" : "--\n");
         Output::Stdout().Write(out);
-        printed = true;
+        printed |= !out.empty() || binaryMatch;
     };
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     const unsigned workers = unsigned(std::min<long long>(jobs > 0 ? jobs : cores, (long long)list.size()));
@@ -297,7 +296,7 @@ int CmdGrep(const Args& args) {
                 // With context between files, a file's output needs the separator first.
                 r = GrepInput(s, patterns, job.path, job.name, withName, &out, !context);
             }
-            emit(out);
+            emit(out, r.binaryMatch);
             if (!r.messages.empty()) {
                 Output::Stdout().Flush();
                 std::fputs(r.messages.c_str(), stderr);

@@ -1,6 +1,7 @@
 #include "grep_search.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <deque>
@@ -159,12 +160,14 @@ const char* GrepPatterns::NextMatchingLine(const char* p, const char* end, bool*
         const char* stop = best > end ? end : static_cast<const char*>(std::memchr(best, '\n', size_t(end - best) + 1));
         while (from <= stop) {
             const char* line = nullptr;
-            if (e.acrossLines && size_t(stop - from) <= size_t(INT32_MAX)) {
+            // The subject takes in the last line's terminator: ^ does not
+            // match after a line feed that ends the subject.
+            if (e.acrossLines && size_t(stop - from) < size_t(INT32_MAX)) {
                 records_.resize(size_t(e.re.groupCount()));
                 int count = int(records_.size());
-                const vkpStatus st = vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(from), int(stop - from),
+                const vkpStatus st = vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(from), int(stop - from) + 1,
                                                        e.re.state(), records_.data(), &count);
-                if (st >= 0 && count == 0) break;
+                if (st >= 0 && (count == 0 || reinterpret_cast<const char*>(records_[0].pMatch) > stop)) break;
                 if (st >= 0) {
                     const char* m = reinterpret_cast<const char*>(records_[0].pMatch);
                     line = m;
@@ -252,7 +255,7 @@ public:
             }
             return;
         }
-        if (s_.lineNumbers) lineNo += std::count(p, end, Eol());
+        if (s_.lineNumbers || s_.after >= 0 || s_.before >= 0) lineNo += std::count(p, end, Eol());
     }
 
 private:
@@ -267,7 +270,7 @@ private:
         }
         if (selected == s_.maxCount) {
             maxReached_ = true;
-            if (s_.after == 0 || s_.count) done = true;
+            if (s_.after <= 0 || s_.count) done = true;
         }
         if (s_.count) return;
         if (binary) {
@@ -277,6 +280,7 @@ private:
         for (const auto& [number, text] : before_) PrintOwned(number, text);
         before_.clear();
         if (s_.onlyMatching) {
+            Separate();
             if (!s_.invert)
                 for (const auto& [at, len] : patterns_.Matches(p, size_t(e - p))) {
                     Prefix(lineNo, ':');
@@ -286,7 +290,7 @@ private:
         } else {
             Print(p, e, ':');
         }
-        afterLeft_ = s_.after;
+        afterLeft_ = std::max(s_.after, 0LL);
     }
 
     void PrintOwned(long long number, const std::string& text) {
@@ -296,10 +300,21 @@ private:
         lineNo = keep;
     }
 
+    // "--" between groups of lines that are not adjacent.
+    void Separate() {
+        if ((s_.after >= 0 || s_.before >= 0) && lastPrinted_ > 0 && lastPrinted_ + 1 < lineNo) {
+            Color("--", 2, kSepColor);
+            out_->push_back('\n');
+        }
+        lastPrinted_ = lineNo;
+    }
+
+    // A context line or a selected line; with -o a context line shows
+    // nothing but still counts for the separators.
     void Print(const char* p, const char* e, char sep) {
         if (!Prints()) return;
-        if ((s_.after > 0 || s_.before > 0) && lastPrinted_ > 0 && lastPrinted_ + 1 < lineNo) Color("--", 2, kSepColor), out_->push_back('\n');
-        lastPrinted_ = lineNo;
+        Separate();
+        if (s_.onlyMatching) return;
         Prefix(lineNo, sep);
         const bool colorMatches = s_.color && (sep == ':') != s_.invert;
         if (colorMatches) {
@@ -353,19 +368,25 @@ GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::s
     const char eol = s.nullData ? '\0' : '\n';
     LineReader in(eol);
     std::string error;
-    if (!in.Open(path, &error)) {
+    const bool opened = in.Open(path, &error);
+    if (!opened) {
         if (!s.noMessages) r.messages += "vkpch: " + error + "\n";
         r.error = true;
-        return r;
+        // A directory counts as an input without lines (-c, -L), as GNU grep has it.
+        const std::string dir = ErrorText(EISDIR);
+        if (error.size() < dir.size() || error.compare(error.size() - dir.size(), dir.size(), dir) != 0) return r;
     }
     Printer printer(s, patterns, name, withName, out);
-    const bool wholeLines = !s.invert && s.after == 0 && s.before == 0;
+    const bool wholeLines = !s.invert && s.after <= 0 && s.before <= 0;
     bool first = true;
-    while (!printer.done && in.Next()) {
+    while (opened && !printer.done && in.Next()) {
+        if (first) printer.binary = !s.text && !s.nullData && std::memchr(in.data(), 0, in.size()) != nullptr;
+        first = false;
+        // A binary input's zero bytes end lines too (what is counted and
+        // matched; its lines are not printed).
+        if (printer.binary) std::replace(in.data(), in.data() + in.size(), '\0', '\n');
         const char* p = in.data();
         const char* last = in.data() + in.size() - (in.missingEol() ? 0 : 1);  // the last line's terminator
-        if (first) printer.binary = !s.text && !s.nullData && std::memchr(p, 0, in.size()) != nullptr;
-        first = false;
         while (p <= last && !printer.done) {
             const char* m;
             if (s.nullData) {
@@ -411,8 +432,9 @@ GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::s
         if (withName) *out += Colored(s, name, kNameColor) + Colored(s, ":", kSepColor);
         *out += std::to_string(printer.selected) + "\n";
     }
-    if ((s.listMatching && r.selected) || (s.listMissing && !r.selected && !s.quiet))
+    if (((s.listMatching && r.selected) || (s.listMissing && !r.selected)) && !s.quiet)
         *out += Colored(s, name, kNameColor) + "\n";
+    r.binaryMatch = printer.binaryMatch;
     if (printer.binaryMatch) r.messages += "vkpch: " + name + ": binary file matches\n";
     if (streaming) Output::Stdout().Write(*out), out->clear();
     return r;

@@ -17,7 +17,7 @@ struct GrepSettings {
     bool lineNumbers = false, onlyMatching = false, text = false, nullData = false, color = false;
     int withName = -1;           // -1: when several files are searched
     long long maxCount = -1;     // -1: no limit
-    long long after = 0, before = 0;
+    long long after = -1, before = -1;  // -1: not asked for (0 still separates groups)
 };
 
 // What one input gave.
@@ -25,6 +25,7 @@ struct GrepResult {
     bool selected = false;  // a line was selected
     bool error = false;     // reported on standard error
     bool stop = false;      // -q found a line: nothing more to search
+    bool binaryMatch = false;  // a binary input matched (counts as output between context groups)
     std::string messages;   // for standard error, one "vkpch: ..." line each
 };
 
@@ -40,7 +41,8 @@ public:
     // of its budget (the line then counts as not matching).
     bool LineMatches(const char* p, size_t n, bool* limit);
     // The start of the first line at or after p, in [p, end), that matches
-    // (end when none); lines end with '\n' and end[0] is one.
+    // (end + 1 when none); lines end with '\n', end is the last one's and
+    // end[1] is readable.
     const char* NextMatchingLine(const char* p, const char* end, bool* limit);
     // The non-empty matches of every pattern in the line, leftmost first,
     // overlaps dropped (for -o and colour).

@@ -64,7 +64,7 @@ bool LineReader::Open(const std::string& path, std::string* error) {
         return false;
     }
     interactive_ = !(fstat(fd_, &st) == 0 && S_ISREG(st.st_mode));
-    buf_.resize(kBlock + 1);
+    buf_.resize(kBlock + 2);  // room for a terminator behind a last line and the byte behind it
     return true;
 }
 
@@ -75,7 +75,7 @@ bool LineReader::Next() {
     filled_ = carry;
     size_ = 0;
     missingEol_ = false;
-    if (buf_.size() > kBlock + 1 && carry < kBlock) buf_.resize(kBlock + 1), buf_.shrink_to_fit();
+    if (buf_.size() > kBlock + 2 && carry < kBlock) buf_.resize(kBlock + 2), buf_.shrink_to_fit();
     std::size_t scanned = 0;  // no terminator in buf_[0, scanned)
     for (;;) {
         const void* eol = std::memchr(buf_.data() + scanned, eol_, filled_ - scanned);
@@ -89,9 +89,9 @@ bool LineReader::Next() {
         }
         scanned = filled_;
         if (end_ || error_) break;
-        if (filled_ + 1 >= buf_.size()) buf_.resize(2 * buf_.size());
+        if (filled_ + 2 >= buf_.size()) buf_.resize(2 * buf_.size());
         long n;
-        do n = long(VKPCH_READ(fd_, buf_.data() + filled_, unsigned(buf_.size() - 1 - filled_)));
+        do n = long(VKPCH_READ(fd_, buf_.data() + filled_, unsigned(buf_.size() - 2 - filled_)));
         while (n < 0 && errno == EINTR);
         if (n < 0) error_ = errno;
         if (n <= 0) end_ = true;
@@ -100,6 +100,7 @@ bool LineReader::Next() {
     if (filled_ == 0) return false;
     size_ = filled_;  // a last line without a terminator
     buf_[size_] = eol_;
+    buf_[size_ + 1] = eol_;
     missingEol_ = true;
     return true;
 }

@@ -29,6 +29,7 @@ public:
     // the end of the input or on a read error (then error() is non-zero).
     bool Next();
     const char* data() const { return buf_.data(); }
+    char* data() { return buf_.data(); }
     std::size_t size() const { return size_; }
     // The block's last line had no terminator (the end of the input).
     bool missingEol() const { return missingEol_; }
