@@ -104,7 +104,7 @@ struct Job {
 
 // Searches the jobs on `workers` threads; outputs are written in job order.
 int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withName, unsigned workers, bool* stop,
-                bool* errors, bool* selected, const std::function<void(const std::string&, bool)>& emit) {
+                bool* errors, bool* selected, const std::function<void(const std::string&, bool, bool)>& emit) {
     struct Slot {
         bool done = false;
         std::string out;
@@ -137,7 +137,7 @@ int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withNa
                 slot.result.error = true;
                 if (!s.noMessages) slot.result.messages = "vkpch: " + jobs[k].error + "\n";
             } else {
-                slot.result = GrepInput(s, patterns, jobs[k].path, jobs[k].name, withName, &slot.out, false);
+                slot.result = GrepInput(s, patterns, jobs[k].path, jobs[k].name, withName, &slot.out, false, false);
             }
             std::lock_guard<std::mutex> lock(mutex);
             slots[k] = std::move(slot);
@@ -155,7 +155,7 @@ int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withNa
             slot = std::move(slots[written]);
         }
         if (!quit) {
-            emit(slot.out, slot.result.binaryMatch);
+            emit(slot.out, slot.result.lines, slot.result.printed);
             if (!slot.result.messages.empty()) {
                 Output::Stdout().Flush();
                 std::fputs(slot.result.messages.c_str(), stderr);
@@ -217,8 +217,8 @@ int CmdGrep(const Args& args) {
             case kNullData: s.nullData = true; break;
             case kRecursive: recursive = true, rules.followLinks = false; break;
             case kDereference: recursive = true, rules.followLinks = true; break;
-            case kInclude: rules.include.push_back(o.value); break;
-            case kExclude: rules.exclude.push_back(o.value); break;
+            case kInclude: rules.files.emplace_back(o.value, true); break;
+            case kExclude: rules.files.emplace_back(o.value, false); break;
             case kExcludeDir: rules.excludeDir.push_back(o.value); break;
             case kColor:
                 colorWhen = o.hasValue ? o.value : "auto";
@@ -259,13 +259,14 @@ int CmdGrep(const Args& args) {
     for (const std::string& op : operands) {
         std::error_code ec;
         if (recursive && op != "-" && std::filesystem::is_directory(op, ec)) {
+            if (!implicit && !DirWanted(rules, op)) continue;
             std::vector<WalkEntry> found;
             Walk(op, rules, &found);
             for (WalkEntry& e : found) {
                 std::string name = implicit && e.path.compare(0, 2, "./") == 0 ? e.path.substr(2) : e.path;
                 list.push_back({e.path, name, e.error});
             }
-        } else if (op == "-" || (rules.include.empty() && rules.exclude.empty()) || FileWanted(rules, op)) {
+        } else if (op == "-" || FileWanted(rules, op)) {
             list.push_back({op, op == "-" ? "(standard input)" : op, ""});
         }
     }
@@ -275,11 +276,12 @@ int CmdGrep(const Args& args) {
     if (!patterns.Compile(s)) return 2;
     bool errors = false, selected = false, stop = false, printed = false;
     const bool context = (s.after >= 0 || s.before >= 0) && !s.count && !s.listMatching && !s.listMissing;
-    auto emit = [&](const std::string& out, bool binaryMatch) {
-        if (!out.empty() && context && printed)
+    // Parallel outputs get the "--" between inputs here.
+    auto emit = [&](const std::string& out, bool lines, bool printedHere) {
+        if (context && printed && lines)
             Output::Stdout().Write(s.color ? "\33[36m\33[K--\33[m\33[K\n" : "--\n");
         Output::Stdout().Write(out);
-        printed |= !out.empty() || binaryMatch;
+        printed |= printedHere;
     };
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     const unsigned workers = unsigned(std::min<long long>(jobs > 0 ? jobs : cores, (long long)list.size()));
@@ -293,10 +295,9 @@ int CmdGrep(const Args& args) {
                 r.error = true;
                 if (!s.noMessages) r.messages = "vkpch: " + job.error + "\n";
             } else {
-                // With context between files, a file's output needs the separator first.
-                r = GrepInput(s, patterns, job.path, job.name, withName, &out, !context);
+                r = GrepInput(s, patterns, job.path, job.name, withName, &out, true, context && printed);
             }
-            emit(out, r.binaryMatch);
+            printed |= r.printed;
             if (!r.messages.empty()) {
                 Output::Stdout().Flush();
                 std::fputs(r.messages.c_str(), stderr);

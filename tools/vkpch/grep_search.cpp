@@ -216,14 +216,16 @@ namespace {
 // The output of one input: prefixes, context, separators, colour.
 class Printer {
 public:
-    Printer(const GrepSettings& s, GrepPatterns& patterns, const std::string& name, bool withName, std::string* out)
-        : s_(s), patterns_(patterns), name_(name), withName_(withName), out_(out) {}
+    Printer(const GrepSettings& s, GrepPatterns& patterns, const std::string& name, bool withName, std::string* out,
+            bool separate)
+        : s_(s), patterns_(patterns), name_(name), withName_(withName), out_(out), lastPrinted_(separate ? -1 : 0) {}
 
     long long lineNo = 0, selected = 0;
     bool done = false;          // nothing more to do in this input
     bool binaryMatch = false;   // a binary input had a selected line
     bool binary = false;
     bool limit = false;         // a search ran out of its budget
+    bool printedLines() const { return lastPrinted_ > 0; }
 
     // One line [p, e) (e is its terminator) that is selected or not.
     void Line(const char* p, const char* e, bool isSelected) {
@@ -279,17 +281,7 @@ private:
         }
         for (const auto& [number, text] : before_) PrintOwned(number, text);
         before_.clear();
-        if (s_.onlyMatching) {
-            Separate();
-            if (!s_.invert)
-                for (const auto& [at, len] : patterns_.Matches(p, size_t(e - p))) {
-                    Prefix(lineNo, ':');
-                    Color(p + at, len, kMatchColor);
-                    out_->push_back(Eol());
-                }
-        } else {
-            Print(p, e, ':');
-        }
+        Print(p, e, ':');
         afterLeft_ = std::max(s_.after, 0LL);
     }
 
@@ -302,19 +294,27 @@ private:
 
     // "--" between groups of lines that are not adjacent.
     void Separate() {
-        if ((s_.after >= 0 || s_.before >= 0) && lastPrinted_ > 0 && lastPrinted_ + 1 < lineNo) {
+        if ((s_.after >= 0 || s_.before >= 0) && (lastPrinted_ < 0 || (lastPrinted_ > 0 && lastPrinted_ + 1 < lineNo))) {
             Color("--", 2, kSepColor);
             out_->push_back('\n');
         }
         lastPrinted_ = lineNo;
     }
 
-    // A context line or a selected line; with -o a context line shows
-    // nothing but still counts for the separators.
+    // A context line or a selected line; with -o its matches, each on a line
+    // of its own.
     void Print(const char* p, const char* e, char sep) {
         if (!Prints()) return;
         Separate();
-        if (s_.onlyMatching) return;
+        if (s_.onlyMatching) {
+            if ((sep == ':') == s_.invert) return;  // matches of selected lines, or with -v of context lines
+            for (const auto& [at, len] : patterns_.Matches(p, size_t(e - p))) {
+                Prefix(lineNo, sep);
+                Color(p + at, len, kMatchColor);
+                out_->push_back(Eol());
+            }
+            return;
+        }
         Prefix(lineNo, sep);
         const bool colorMatches = s_.color && (sep == ':') != s_.invert;
         if (colorMatches) {
@@ -351,7 +351,8 @@ private:
     const std::string& name_;
     bool withName_;
     std::string* out_;
-    long long afterLeft_ = 0, lastPrinted_ = 0;
+    long long afterLeft_ = 0;
+    long long lastPrinted_;  // the last line printed; 0 none, -1 none but output came before
     bool maxReached_ = false;
     std::deque<std::pair<long long, std::string>> before_;
 };
@@ -363,7 +364,7 @@ std::string Colored(const GrepSettings& s, const std::string& text, const char* 
 }  // namespace
 
 GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::string& path, const std::string& name,
-                     bool withName, std::string* out, bool streaming) {
+                     bool withName, std::string* out, bool streaming, bool separate) {
     GrepResult r;
     const char eol = s.nullData ? '\0' : '\n';
     LineReader in(eol);
@@ -376,11 +377,11 @@ GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::s
         const std::string dir = ErrorText(EISDIR);
         if (error.size() < dir.size() || error.compare(error.size() - dir.size(), dir.size(), dir) != 0) return r;
     }
-    Printer printer(s, patterns, name, withName, out);
+    Printer printer(s, patterns, name, withName, out, separate);
     const bool wholeLines = !s.invert && s.after <= 0 && s.before <= 0;
     bool first = true;
     while (opened && !printer.done && in.Next()) {
-        if (first) printer.binary = !s.text && !s.nullData && std::memchr(in.data(), 0, in.size()) != nullptr;
+        if (first) printer.binary = !s.text && !s.nullData && std::memchr(in.data(), 0, in.read()) != nullptr;
         first = false;
         // A binary input's zero bytes end lines too (what is counted and
         // matched; its lines are not printed).
@@ -434,7 +435,8 @@ GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::s
     }
     if (((s.listMatching && r.selected) || (s.listMissing && !r.selected)) && !s.quiet)
         *out += Colored(s, name, kNameColor) + "\n";
-    r.binaryMatch = printer.binaryMatch;
+    r.lines = printer.printedLines();
+    r.printed = printer.binaryMatch || r.lines;
     if (printer.binaryMatch) r.messages += "vkpch: " + name + ": binary file matches\n";
     if (streaming) Output::Stdout().Write(*out), out->clear();
     return r;

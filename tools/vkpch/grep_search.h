@@ -25,7 +25,8 @@ struct GrepResult {
     bool selected = false;  // a line was selected
     bool error = false;     // reported on standard error
     bool stop = false;      // -q found a line: nothing more to search
-    bool binaryMatch = false;  // a binary input matched (counts as output between context groups)
+    bool lines = false;     // lines were output (with -o perhaps no text)
+    bool printed = false;   // lines or a binary file's match: output between context groups
     std::string messages;   // for standard error, one "vkpch: ..." line each
 };
 
@@ -61,9 +62,10 @@ private:
 // Searches one input ("-" for standard input) shown as `name`, appending
 // what it prints to *out. Streaming, *out goes to standard output after
 // each block (flushed before a read that may wait); else it holds the
-// input's whole output.
+// input's whole output. `separate`: output came before, so with context a
+// "--" goes before this input's first line.
 GrepResult GrepInput(const GrepSettings& s, GrepPatterns& patterns, const std::string& path, const std::string& name,
-                     bool withName, std::string* out, bool streaming);
+                     bool withName, std::string* out, bool streaming, bool separate);
 
 // Writes the text of a pattern error: what is wrong, the pattern and a caret
 // under the offset.

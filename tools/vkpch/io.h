@@ -31,6 +31,8 @@ public:
     const char* data() const { return buf_.data(); }
     char* data() { return buf_.data(); }
     std::size_t size() const { return size_; }
+    // Bytes read so far from data() on, the block and what follows it.
+    std::size_t read() const { return filled_; }
     // The block's last line had no terminator (the end of the input).
     bool missingEol() const { return missingEol_; }
     int error() const { return error_; }

@@ -64,9 +64,12 @@ bool AnyMatch(const std::vector<std::string>& globs, const std::string& name) {
 
 bool FileWanted(const WalkRules& rules, const std::string& path) {
     const std::string name = Base(path);
-    if (AnyMatch(rules.exclude, name)) return false;
-    return rules.include.empty() || AnyMatch(rules.include, name);
+    for (auto it = rules.files.rbegin(); it != rules.files.rend(); ++it)
+        if (GlobMatch(it->first.c_str(), name.c_str())) return it->second;
+    return rules.files.empty() || !rules.files.front().second;
 }
+
+bool DirWanted(const WalkRules& rules, const std::string& path) { return !AnyMatch(rules.excludeDir, Base(path)); }
 
 void Walk(const std::string& dir, const WalkRules& rules, std::vector<WalkEntry>* out) {
     std::error_code ec;

@@ -5,15 +5,21 @@
 #include <vector>
 
 struct WalkRules {
-    std::vector<std::string> include, exclude, excludeDir;  // globs on base names
+    // --include (true) and --exclude (false) globs on base names, in order:
+    // the last that matches decides; when none does, a file is searched
+    // unless the first is an --include.
+    std::vector<std::pair<std::string, bool>> files;
+    std::vector<std::string> excludeDir;
     bool followLinks = false;                                // -R: also below symbolic links
 };
 
 // A shell glob (* ? [set] [!set] [^set], \ quotes) against a whole name.
 bool GlobMatch(const char* glob, const char* name);
 
-// Whether a file's base name passes --include and --exclude.
+// Whether a file's base name passes --include and --exclude, and a
+// directory's --exclude-dir.
 bool FileWanted(const WalkRules& rules, const std::string& path);
+bool DirWanted(const WalkRules& rules, const std::string& path);
 
 struct WalkEntry {
     std::string path;
