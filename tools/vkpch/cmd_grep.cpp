@@ -106,55 +106,56 @@ struct Job {
 int RunParallel(const GrepSettings& s, const std::vector<Job>& jobs, bool withName, unsigned workers, bool* stop,
                 bool* errors, bool* selected, const std::function<void(const std::string&, bool, bool)>& emit) {
     struct Slot {
-        bool done = false;
         std::string out;
         GrepResult result;
     };
+    // Workers take runs of kRun files; the main thread writes whole runs in
+    // order, at most `window` runs ahead of what it has written.
+    constexpr size_t kRun = 32;
+    const size_t runs = (jobs.size() + kRun - 1) / kRun;
     std::vector<Slot> slots(jobs.size());
+    std::vector<char> done(runs, 0);
     std::mutex mutex;
     std::condition_variable ready, room;
     std::atomic<size_t> next{0};
-    size_t written = 0;
-    const size_t window = size_t(workers) * 8;  // outputs held at most
+    size_t written = 0;  // runs
+    const size_t window = size_t(workers) * 4;
     std::atomic<bool> failed{false}, quit{false};
     auto work = [&] {
         GrepPatterns patterns;
         if (!patterns.Compile(s)) {
-            failed = true;
-            return;
+            failed = quit = true;
         }
         for (;;) {
-            const size_t k = next.fetch_add(1);
-            if (k >= jobs.size()) return;
+            const size_t run = next.fetch_add(1);
+            if (run >= runs) return;
             {
                 std::unique_lock<std::mutex> lock(mutex);
-                room.wait(lock, [&] { return k < written + window || quit; });
+                room.wait(lock, [&] { return run < written + window || quit; });
             }
-            Slot slot;
-            if (quit) {
-                slot.done = true;
-            } else if (!jobs[k].error.empty()) {
-                slot.result.error = true;
-                if (!s.noMessages) slot.result.messages = "vkpch: " + jobs[k].error + "\n";
-            } else {
-                slot.result = GrepInput(s, patterns, jobs[k].path, jobs[k].name, withName, &slot.out, false, false);
+            for (size_t k = run * kRun; k < std::min(jobs.size(), (run + 1) * kRun) && !quit; ++k) {
+                Slot& slot = slots[k];
+                if (!jobs[k].error.empty()) {
+                    slot.result.error = true;
+                    if (!s.noMessages) slot.result.messages = "vkpch: " + jobs[k].error + "\n";
+                } else {
+                    slot.result = GrepInput(s, patterns, jobs[k].path, jobs[k].name, withName, &slot.out, false, false);
+                }
             }
             std::lock_guard<std::mutex> lock(mutex);
-            slots[k] = std::move(slot);
-            slots[k].done = true;
-            ready.notify_all();
+            done[run] = 1;
+            ready.notify_one();
         }
     };
     std::vector<std::thread> threads;
     for (unsigned w = 0; w < workers; ++w) threads.emplace_back(work);
-    for (; written < jobs.size(); ) {
-        Slot slot;
+    for (; written < runs; ) {
         {
             std::unique_lock<std::mutex> lock(mutex);
-            ready.wait(lock, [&] { return slots[written].done; });
-            slot = std::move(slots[written]);
+            ready.wait(lock, [&] { return done[written] != 0; });
         }
-        if (!quit) {
+        for (size_t k = written * kRun; k < std::min(jobs.size(), (written + 1) * kRun) && !quit; ++k) {
+            Slot slot = std::move(slots[k]);
             emit(slot.out, slot.result.lines, slot.result.printed);
             if (!slot.result.messages.empty()) {
                 Output::Stdout().Flush();

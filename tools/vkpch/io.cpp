@@ -37,8 +37,20 @@ int Report(const std::string& message, bool quiet) {
     return 2;
 }
 
+namespace {
+
+// Each thread keeps the buffer of its last reader for the next one: a
+// recursive search opens many small files.
+std::vector<char>& SpareBuffer() {
+    thread_local std::vector<char> spare;
+    return spare;
+}
+
+}  // namespace
+
 LineReader::~LineReader() {
     if (own_ && fd_ >= 0) VKPCH_CLOSE(fd_);
+    if (buf_.capacity() == kBlock + 2) SpareBuffer().swap(buf_);
 }
 
 bool LineReader::Open(const std::string& path, std::string* error) {
@@ -59,11 +71,15 @@ bool LineReader::Open(const std::string& path, std::string* error) {
         own_ = true;
     }
     struct stat st;
-    if (fstat(fd_, &st) == 0 && S_ISDIR(st.st_mode)) {
+    const bool known = fstat(fd_, &st) == 0;
+    if (known && S_ISDIR(st.st_mode)) {
         *error = path + ": " + ErrorText(EISDIR);
         return false;
     }
-    interactive_ = !(fstat(fd_, &st) == 0 && S_ISREG(st.st_mode));
+    interactive_ = !(known && S_ISREG(st.st_mode));
+    if (!interactive_) left_ = st.st_size;  // no read needed to see its end
+    buf_.swap(SpareBuffer());
+    buf_.reserve(kBlock + 2);
     buf_.resize(kBlock + 2);  // room for a terminator behind a last line and the byte behind it
     return true;
 }
@@ -75,7 +91,10 @@ bool LineReader::Next() {
     filled_ = carry;
     size_ = 0;
     missingEol_ = false;
-    if (buf_.size() > kBlock + 2 && carry < kBlock) buf_.resize(kBlock + 2), buf_.shrink_to_fit();
+    if (buf_.size() > kBlock + 2 && carry < kBlock) {
+        buf_.resize(kBlock + 2);
+        buf_.shrink_to_fit();
+    }
     std::size_t scanned = 0;  // no terminator in buf_[0, scanned)
     for (;;) {
         const void* eol = std::memchr(buf_.data() + scanned, eol_, filled_ - scanned);
@@ -96,6 +115,7 @@ bool LineReader::Next() {
         if (n < 0) error_ = errno;
         if (n <= 0) end_ = true;
         else filled_ += std::size_t(n);
+        if (n > 0 && left_ >= 0 && (left_ -= n) <= 0) end_ = true;
     }
     if (filled_ == 0) return false;
     size_ = filled_;  // a last line without a terminator

@@ -48,6 +48,7 @@ private:
     int error_ = 0;
     std::vector<char> buf_;
     std::size_t size_ = 0, filled_ = 0;  // the block's bytes; all bytes read into buf_
+    long long left_ = -1;                // bytes a regular file still holds (-1: unknown)
 };
 
 // Standard output through a buffer; remembers the first write error.

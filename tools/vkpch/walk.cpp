@@ -4,6 +4,11 @@
 #include <filesystem>
 #include <system_error>
 
+#if !defined(_WIN32)
+#include <cerrno>
+#include <dirent.h>
+#endif
+
 #include "io.h"
 
 namespace fs = std::filesystem;
@@ -60,6 +65,39 @@ bool AnyMatch(const std::vector<std::string>& globs, const std::string& name) {
     return false;
 }
 
+// The names in dir with their types (symbolic links as links). POSIX
+// systems give the types with the names, without a call per entry.
+bool List(const std::string& dir, std::vector<std::pair<std::string, fs::file_type>>* entries, std::error_code* ec) {
+#if defined(_WIN32)
+    for (fs::directory_iterator it(dir, *ec), end; !*ec && it != end; it.increment(*ec)) {
+        std::error_code typeError;
+        entries->emplace_back(it->path().filename().string(), it->symlink_status(typeError).type());
+    }
+    return !*ec;
+#else
+    DIR* d = opendir(dir.c_str());
+    if (!d) {
+        *ec = std::error_code(errno, std::generic_category());
+        return false;
+    }
+    while (const dirent* e = readdir(d)) {
+        const std::string name = e->d_name;
+        if (name == "." || name == "..") continue;
+        fs::file_type type = e->d_type == DT_DIR ? fs::file_type::directory
+                             : e->d_type == DT_REG ? fs::file_type::regular
+                             : e->d_type == DT_LNK ? fs::file_type::symlink
+                             : e->d_type == DT_UNKNOWN ? fs::file_type::unknown : fs::file_type::block;
+        if (type == fs::file_type::unknown) {
+            std::error_code typeError;
+            type = fs::symlink_status(dir + "/" + name, typeError).type();
+        }
+        entries->emplace_back(name, type);
+    }
+    closedir(d);
+    return true;
+#endif
+}
+
 }  // namespace
 
 bool FileWanted(const WalkRules& rules, const std::string& path) {
@@ -73,21 +111,18 @@ bool DirWanted(const WalkRules& rules, const std::string& path) { return !AnyMat
 
 void Walk(const std::string& dir, const WalkRules& rules, std::vector<WalkEntry>* out) {
     std::error_code ec;
-    std::vector<std::string> names;
-    for (fs::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
-        names.push_back(it->path().filename().string());
-    if (ec) {
+    std::vector<std::pair<std::string, fs::file_type>> entries;
+    if (!List(dir, &entries, &ec)) {
         out->push_back({dir, dir + ": " + ErrorText(ec.value())});
         return;
     }
-    std::sort(names.begin(), names.end());
+    std::sort(entries.begin(), entries.end());
     const std::string prefix = dir.empty() || dir.back() == '/' ? dir : dir + "/";
-    for (const std::string& name : names) {
+    for (const auto& [name, type] : entries) {
         const std::string path = prefix + name;
-        const fs::file_status link = fs::symlink_status(path, ec);
-        const bool isLink = fs::is_symlink(link);
+        const bool isLink = type == fs::file_type::symlink;
         if (isLink && !rules.followLinks) continue;  // symbolic links are followed with -R only
-        const fs::file_status st = isLink ? fs::status(path, ec) : link;
+        const fs::file_status st = isLink ? fs::status(path, ec) : fs::file_status(type);
         if (fs::is_directory(st)) {
             if (!AnyMatch(rules.excludeDir, name)) Walk(path, rules, out);
         } else if (ec && isLink) {
