@@ -51,6 +51,17 @@ vkpch(0 out replace -g "a(b) " "a[$1]a " ${WORK_DIR}/many.txt)
 string(REPEAT "a[b]a " 30000 want)
 expect_output("replace 30000 matches in one line" "${out}" "${want}\n")
 
+# In place: the result replaces the file, the original kept under the
+# suffix; a missing file is reported and the others are still edited.
+file(WRITE ${WORK_DIR}/edit.txt "one two\nthree")
+vkpch(2 out replace --in-place=.orig -g "(\\w+)" "<$1>" ${WORK_DIR}/missing.txt ${WORK_DIR}/edit.txt)
+file(READ ${WORK_DIR}/edit.txt edited)
+file(READ ${WORK_DIR}/edit.txt.orig kept)
+expect_output("replace --in-place" "${edited}|${kept}|${out}"
+  "<one> <two>\n<three>|one two\nthree|vkpch: ${WORK_DIR}/missing.txt: No such file or directory\n")
+file(GLOB leftovers ${WORK_DIR}/edit.txt.vkpch-*)
+expect_output("temporary files left" "${leftovers}" "")
+
 vkpch(1 out replace xyz "q" ${SAMPLE})
 expect_output("replace without a match" "${out}" "${text}")
 vkpch(2 out replace "a(b" "x" ${SAMPLE})
