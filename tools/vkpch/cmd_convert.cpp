@@ -107,7 +107,7 @@ public:
             }
             const size_t at = units_.size();
             units_.resize(at + usable / 2);
-            std::memcpy(units_.data() + at, pending_.data(), usable);
+            if (usable) std::memcpy(units_.data() + at, pending_.data(), usable);
             Drop(usable);
         }
         if (to_ == Enc::Utf8) {
