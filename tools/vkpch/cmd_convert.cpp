@@ -254,7 +254,8 @@ int CmdConvert(const Args& args) {
     }
     bool failed = false, illFormed = false;
     for (const std::string& path : files) {
-        LineReader in;  // blocks of whole lines keep memory bounded for line-structured text
+        LineReader in;
+        in.AnyBytes();
         if (!in.Open(path, &error)) {
             failed = Report("convert: " + error);
             continue;

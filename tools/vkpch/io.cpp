@@ -97,6 +97,10 @@ bool LineReader::Next() {
     }
     std::size_t scanned = 0;  // no terminator in buf_[0, scanned)
     for (;;) {
+        if (anyBytes_ && filled_ > 0) {
+            size_ = filled_;
+            return true;
+        }
         const void* eol = std::memchr(buf_.data() + scanned, eol_, filled_ - scanned);
         if (eol) {
             // Every whole line read so far.

@@ -19,6 +19,9 @@ int Report(const std::string& message, bool quiet = false);
 class LineReader {
 public:
     explicit LineReader(char eol = '\n') : eol_(eol) {}
+    // Blocks of whatever was read, not cut at a line end (memory stays
+    // bounded for input without line feeds).
+    void AnyBytes() { anyBytes_ = true; }
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -43,7 +46,7 @@ public:
 private:
     static constexpr std::size_t kBlock = std::size_t(1) << 18;
     int fd_ = -1;
-    bool own_ = false, interactive_ = false, missingEol_ = false, end_ = false;
+    bool own_ = false, interactive_ = false, missingEol_ = false, end_ = false, anyBytes_ = false;
     char eol_;
     int error_ = 0;
     std::vector<char> buf_;
