@@ -61,7 +61,7 @@ def grep_case(rng, vkpch, names):
     pats = [rng.choice(LITERALS if fixed else PATTERNS)]
     if fixed:
         opts.append("-F")
-    for flag in rng.sample(["-i", "-v", "-w", "-x", "-c", "-l", "-L", "-n", "-o", "-q", "-s", "-h", "-H", "-a"],
+    for flag in rng.sample(["-i", "-v", "-w", "-x", "-c", "-l", "-L", "-n", "-o", "-q", "-s", "-h", "-H", "-a", "-z"],
                            rng.randint(0, 3)):
         opts.append(flag)
     if rng.random() < 0.2:
