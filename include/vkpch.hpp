@@ -5,13 +5,20 @@
 //
 //     vkpch::Regex date("(\\d{4})-(\\d\\d)-(\\d\\d)", "g");
 //     if (auto m = date.find(text)) use(m->str(), m->group(1));
-//     std::string swapped = date.replace(text, vkpch::Template("$3/$2/$1"));
+//     std::string swapped = date.replace(text, "$3/$2/$1");
+//
+// The const search methods of one Regex may run on many threads at once:
+// a search runs on a per-thread copy of the compiled block (the block's
+// work area is written by every search), refreshed only when the thread
+// last searched with another Regex.
 #ifndef VKPCH_HPP
 #define VKPCH_HPP
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,46 +29,170 @@
 
 namespace vkpch {
 
+// One line of text for every status the library returns.
+inline const char* statusText(vkpStatus status) {
+    switch (status) {
+        case VKP_OK: return "success";
+        case VKP_WARN_FEW_RECORDS: return "match found, but the record array is shorter than the group count";
+        case VKP_WARN_SLOTS_FULL: return "all output slots are used and source text remains";
+        case VKP_WARN_PIECE_CUT: return "a piece longer than its slot was cut";
+        case VKP_ERR_NO_SUCH_ID: return "no pattern has that identifier";
+        case VKP_ERR_ZERO_ID: return "pattern identifier 0 is not allowed";
+        case VKP_ERR_SIZE: return "a count or size is below 1";
+        case VKP_ERR_FORMAT: return "the subject format must be 0 (bytes) or 1 (UTF-8)";
+        case VKP_ERR_NULL: return "null pointer argument, or out of memory";
+        case VKP_ERR_SET_FULL: return "the pattern set is full";
+        case VKP_ERR_LENGTH: return "negative or too large length, or a range outside the string";
+        case VKP_ERR_PROPERTY: return "unknown \\p or \\P property name, or \\x{ without }";
+        case VKP_ERR_CLASS: return "malformed character class";
+        case VKP_ERR_GROUP_NUMBER: return "reference to a group that does not exist";
+        case VKP_ERR_PARENTHESIS: return "unmatched parenthesis or malformed group";
+        case VKP_ERR_QUANTIFIER: return "quantifier with nothing to repeat or with bad bounds";
+        case VKP_ERR_MATCH_LIMIT: return "the match budget ran out before a match was found";
+        case VKP_ERR_NOT_COMPILED: return "not a compiled pattern";
+        case VKP_ERR_OPTION: return "unknown option letter (known: i m s x g)";
+        default: return "unknown status";
+    }
+}
+
+namespace detail {
+
+constexpr vkp32u kOpAnchor = 0x10000005u;
+constexpr vkp32u kOpClass = 0x10000003u;
+
+inline const vkpRegExpInstruction* Program(const vkpRegExpState* s) {
+    return reinterpret_cast<const vkpRegExpInstruction*>(reinterpret_cast<const unsigned char*>(s) +
+                                                         VKP_REGEXP_HEAD_SIZE);
+}
+
+// Whether a search may read the byte behind the subject: \b and \B do.
+inline bool ReadsBehindSubject(const vkpRegExpState* s) {
+    const vkpRegExpInstruction* p = Program(s);
+    for (int i = 0; i < s->instructionCount; ++i) {
+        if (p[i].op == kOpAnchor && (p[i].a == 'b' || p[i].a == 'B')) return true;
+        if (p[i].op == kOpClass) i += std::max(p[i].b, 0);
+    }
+    return false;
+}
+
+inline std::uint64_t NewId() {
+    static std::atomic<std::uint64_t> next{1};
+    return next.fetch_add(1, std::memory_order_relaxed);
+}
+
+// The calling thread's copies of the last few blocks it searched with. A
+// copy is the header, the work area and the program; string instructions
+// keep pointing at the literal bytes of the original block.
+class Clones {
+public:
+    // A block for one search with `source`'s program, global or not.
+    vkpRegExpState* For(const vkpRegExpState* source, std::uint64_t id, bool global) {
+        Slot* slot = nullptr;
+        for (Slot& s : slots_)
+            if (s.id == id) slot = &s;
+        if (!slot) {
+            slot = &slots_[next_];
+            next_ = (next_ + 1) % kSlots;
+            const std::size_t bytes = VKP_REGEXP_HEAD_SIZE + sizeof(vkpRegExpInstruction) * std::size_t(source->instructionCount);
+            slot->block.resize((bytes + 7) / 8);
+            std::memcpy(slot->block.data(), source, bytes);
+            slot->id = id;
+        } else {
+            // The setters may have changed the header since.
+            std::memcpy(slot->block.data(), source, offsetof(vkpRegExpState, workArea));
+        }
+        auto* state = reinterpret_cast<vkpRegExpState*>(slot->block.data());
+        state->options = global ? state->options | VKP_REGEXP_GLOBAL : state->options & ~VKP_REGEXP_GLOBAL;
+        return state;
+    }
+
+    // Forgets the copies of a released block.
+    void Drop(std::uint64_t id) {
+        for (Slot& s : slots_)
+            if (s.id == id) s.id = 0;
+    }
+
+    static Clones& Mine() {
+        thread_local Clones clones;
+        return clones;
+    }
+
+private:
+    static constexpr int kSlots = 8;
+    struct Slot {
+        std::uint64_t id = 0;
+        std::vector<std::uint64_t> block;
+    };
+    Slot slots_[kSlots];
+    int next_ = 0;
+};
+
+inline const vkp8u* Bytes(const char* p) {
+    static const char empty[2] = {0, 0};
+    return reinterpret_cast<const vkp8u*>(p ? p : empty);
+}
+
+}  // namespace detail
+
+// A position in the subject: offset and length in bytes.
+struct Span {
+    std::size_t offset, length;
+    bool operator==(const Span& o) const { return offset == o.offset && length == o.length; }
+};
+
 // One match: its position in the subject and its groups (group 0 is the
 // whole match; an empty optional for a group that did not take part).
 class Match {
 public:
-    Match(std::string_view subject, const vkpRegExpFind* records, int count) : position_(0) {
+    // records point into `searched`, which stands for `subject` (the same
+    // bytes, possibly a copy).
+    Match(std::string_view subject, const char* searched, const vkpRegExpFind* records, int count) {
         for (int k = 0; k < count; ++k) {
             if (records[k].pMatch && records[k].matchLen >= 0)
-                groups_.emplace_back(std::string_view(reinterpret_cast<const char*>(records[k].pMatch),
-                                                      std::size_t(records[k].matchLen)));
+                spans_.emplace_back(Span{std::size_t(reinterpret_cast<const char*>(records[k].pMatch) - searched),
+                                         std::size_t(records[k].matchLen)});
             else
-                groups_.emplace_back(std::nullopt);
+                spans_.emplace_back(std::nullopt);
         }
-        if (count > 0 && records[0].pMatch)
-            position_ = std::size_t(reinterpret_cast<const char*>(records[0].pMatch) - subject.data());
+        subject_ = subject;
     }
-    std::string_view str() const { return groups_.empty() || !groups_[0] ? std::string_view() : *groups_[0]; }
-    std::size_t position() const { return position_; }
-    std::size_t size() const { return groups_.size(); }  // groups reported, the whole match included
-    std::optional<std::string_view> group(std::size_t k) const { return k < groups_.size() ? groups_[k] : std::nullopt; }
+    std::string_view str() const { return group(0).value_or(std::string_view()); }
+    std::size_t position() const { return span(0) ? span(0)->offset : 0; }
+    std::size_t length() const { return span(0) ? span(0)->length : 0; }
+    std::size_t size() const { return spans_.size(); }  // groups reported, the whole match included
+    std::optional<Span> span(std::size_t k) const { return k < spans_.size() ? spans_[k] : std::nullopt; }
+    std::optional<std::string_view> group(std::size_t k) const {
+        const std::optional<Span> s = span(k);
+        if (!s) return std::nullopt;
+        return subject_.substr(s->offset, s->length);
+    }
 
 private:
-    std::size_t position_;
-    std::vector<std::optional<std::string_view>> groups_;
+    std::string_view subject_;
+    std::vector<std::optional<Span>> spans_;
 };
 
 // A parsed replacement template ("$&", "$1"...; see vkpsRegExpReplaceInit).
 // It points into its own copy of the text.
 class Template {
 public:
-    explicit Template(std::string_view text) : text_(text) {
-        int size = 0;
-        vkpsRegExpReplaceGetSize(Bytes(), &size);
-        block_.resize((std::size_t(size) + 7) / 8);
-        status_ = vkpsRegExpReplaceInit(Bytes(), state());
+    Template(std::string_view text) : text_(text) { Parse(); }  // NOLINT(google-explicit-constructor)
+    Template(const char* text) : Template(std::string_view(text ? text : "")) {}  // NOLINT
+    Template(const std::string& text) : Template(std::string_view(text)) {}        // NOLINT
+    Template(const Template& o) : text_(o.text_) { Parse(); }
+    Template(Template&& o) noexcept : Template(static_cast<const Template&>(o)) {}
+    Template& operator=(const Template& o) {
+        if (this != &o) {
+            text_ = o.text_;
+            Parse();
+        }
+        return *this;
     }
-    Template(const Template&) = delete;
-    Template& operator=(const Template&) = delete;
+    Template& operator=(Template&& o) noexcept { return *this = static_cast<const Template&>(o); }
 
     bool ok() const { return status_ == 0; }
     vkpStatus status() const { return status_; }
+    const std::string& text() const { return text_; }
     // Offset of the "$" of the first bad reference (the text's length when
     // there is none).
     std::size_t errorOffset() const {
@@ -76,35 +207,106 @@ public:
         }
         return text_.size();
     }
-    vkpRegExpReplaceState* state() const { return reinterpret_cast<vkpRegExpReplaceState*>(block_.data()); }
+    // The parsed items. Replacing only reads them.
+    vkpRegExpReplaceState* state() const {
+        return reinterpret_cast<vkpRegExpReplaceState*>(const_cast<std::uint64_t*>(block_.data()));
+    }
 
 private:
-    const vkp8u* Bytes() const { return reinterpret_cast<const vkp8u*>(text_.c_str()); }
+    void Parse() {
+        const auto* bytes = reinterpret_cast<const vkp8u*>(text_.c_str());
+        int size = 0;
+        vkpsRegExpReplaceGetSize(bytes, &size);
+        block_.assign((std::size_t(size) + 7) / 8, 0);
+        status_ = vkpsRegExpReplaceInit(bytes, state());
+    }
     std::string text_;
-    mutable std::vector<std::uint64_t> block_;
+    std::vector<std::uint64_t> block_;
     vkpStatus status_ = 0;
 };
 
-// A compiled pattern. Movable, not copyable; one Regex serves one thread at
-// a time (a search uses the block's work area).
+class Regex;
+
+// The matches of one global search, turned into Match objects as they are
+// iterated. The search runs once, when the range is made, over the whole
+// subject (a search resumed inside the subject would see a false start there).
+class MatchRange {
+public:
+    class iterator {
+    public:
+        using value_type = Match;
+        using difference_type = std::ptrdiff_t;
+        using reference = Match;
+        using pointer = void;
+        using iterator_category = std::input_iterator_tag;
+        iterator(const MatchRange* r, std::size_t at) : r_(r), at_(at) {}
+        Match operator*() const { return r_->At(at_); }
+        iterator& operator++() {
+            at_ += r_->per_;
+            return *this;
+        }
+        iterator operator++(int) {
+            iterator t = *this;
+            ++*this;
+            return t;
+        }
+        bool operator==(const iterator& o) const { return at_ == o.at_; }
+        bool operator!=(const iterator& o) const { return at_ != o.at_; }
+
+    private:
+        const MatchRange* r_;
+        std::size_t at_;
+    };
+
+    iterator begin() const { return iterator(this, 0); }
+    iterator end() const { return iterator(this, records_.size() / per_ * per_); }
+    bool empty() const { return records_.size() < per_; }
+    std::size_t size() const { return records_.size() / per_; }
+    vkpStatus status() const { return status_; }
+
+private:
+    friend class Regex;
+    MatchRange() = default;
+    Match At(std::size_t k) const {
+        return Match(subject_, base_, &records_[k], int(per_));
+    }
+    std::string_view subject_;
+    const char* base_ = nullptr;  // where the searched bytes were: records_ are relative to it
+    std::vector<vkpRegExpFind> records_;
+    std::size_t per_ = 1;
+    vkpStatus status_ = 0;
+};
+
+// A compiled pattern. Movable, not copyable. Its const methods may be
+// called from many threads at once.
 class Regex {
 public:
     Regex() = default;
-    explicit Regex(const char* pattern, const char* options = "") : pattern_(pattern), options_(options ? options : "") {
-        status_ = vkpsRegExpInitAlloc(pattern, options_.c_str(), &state_, &errorOffset_);
+    explicit Regex(std::string_view pattern, std::string_view options = {})
+        : pattern_(pattern), options_(options) {
+        if (pattern_.find('\0') != std::string::npos) {  // the compiler reads up to the first zero
+            status_ = VKP_ERR_LENGTH;
+            errorOffset_ = int(pattern_.find('\0'));
+            return;
+        }
+        status_ = vkpsRegExpInitAlloc(pattern_.c_str(), options_.c_str(), &state_, &errorOffset_);
+        if (state_) readsBehind_ = detail::ReadsBehindSubject(state_);
     }
+    explicit Regex(const char* pattern, const char* options = "")
+        : Regex(std::string_view(pattern ? pattern : ""), std::string_view(options ? options : "")) {}
+    explicit Regex(const std::string& pattern, const std::string& options = {})
+        : Regex(std::string_view(pattern), std::string_view(options)) {}
     Regex(Regex&& o) noexcept { *this = std::move(o); }
     Regex& operator=(Regex&& o) noexcept {
         if (this != &o) {
             Release();
             state_ = std::exchange(o.state_, nullptr);
-            all_ = std::exchange(o.all_, nullptr);
-            status_ = o.status_;
+            id_ = std::exchange(o.id_, detail::NewId());
+            status_ = std::exchange(o.status_, VKP_ERR_NOT_COMPILED);
             errorOffset_ = o.errorOffset_;
+            readsBehind_ = o.readsBehind_;
             pattern_ = std::move(o.pattern_);
             options_ = std::move(o.options_);
-            buffer_ = std::move(o.buffer_);
-            records_ = std::move(o.records_);
         }
         return *this;
     }
@@ -115,181 +317,244 @@ public:
     bool ok() const { return state_ != nullptr; }
     vkpStatus status() const { return status_; }    // the compile status
     int errorOffset() const { return errorOffset_; }  // where a compile error lies
+    const std::string& pattern() const { return pattern_; }
+    // The compiled block, for the C functions. Searching it directly is not
+    // thread-safe; change it with the setters below only.
     vkpRegExpState* state() const { return state_; }
     int groupCount() const { return state_ ? state_->groupCount : 0; }  // 1 + capturing groups
     bool global() const { return state_ && (state_->options & VKP_REGEXP_GLOBAL); }
+    // Not thread-safe: no search may run meanwhile.
+    vkpStatus setMatchLimit(int limit) { return state_ ? vkpsRegExpSetMatchLimit(limit, state_) : VKP_ERR_NOT_COMPILED; }
+    vkpStatus setFormat(int format) { return state_ ? vkpsRegExpSetFormat(format, state_) : VKP_ERR_NOT_COMPILED; }
 
     // The first match with all its groups. *status (when given) receives the
     // search's status (-188 when the budget ran out).
     std::optional<Match> find(std::string_view subject, vkpStatus* status = nullptr) const {
-        if (!state_) return Failed(status, VKP_ERR_NOT_COMPILED);
-        std::vector<vkpRegExpFind>& records = records_;
-        records.resize(std::size_t(groupCount()));
-        int count = int(records.size());
-        const vkpStatus st = vkpsRegExpFind_8u(Bytes(subject), int(subject.size()), Single(), records.data(), &count);
-        if (status) *status = st;
-        if (st < 0 || count == 0) return std::nullopt;
-        return Match(subject, records.data(), count);
+        return FindIn(subject, !readsBehind_, status);
+    }
+    // A std::string and a C string have a readable zero behind them.
+    std::optional<Match> find(const std::string& subject, vkpStatus* status = nullptr) const {
+        return FindIn(subject, true, status);
+    }
+    std::optional<Match> find(const char* subject, vkpStatus* status = nullptr) const {
+        return FindIn(subject ? std::string_view(subject) : std::string_view(), true, status);
     }
 
     // Every match, each with all its groups, as one global search finds
     // them (also when the pattern was compiled without "g").
+    MatchRange matches(std::string_view subject) const { return AllIn(subject, !readsBehind_); }
+    MatchRange matches(const std::string& subject) const { return AllIn(subject, true); }
     std::vector<Match> findAll(std::string_view subject, vkpStatus* status = nullptr) const {
-        std::vector<Match> out;
-        if (subject.empty()) {
-            if (auto m = find(subject, status)) out.push_back(std::move(*m));
-            return out;
-        }
-        // A global replace with an empty template reports record 0 and every
-        // group of each match in its record array.
-        vkpRegExpReplaceState none;
-        vkpsRegExpReplaceInit(nullptr, &none);
-        std::string scratch(subject.size() + 1, '\0');
-        int srcLen = 0, dstLen = 0;
-        std::vector<vkpRegExpFind>& records = records_;
-        const vkpStatus st = ReplaceCall(subject, &srcLen, scratch, &dstLen, records, &none, Global());
-        if (status) *status = st;
-        const int groups = groupCount();
-        for (std::size_t r = 0; st >= 0 && r < records.size(); r += std::size_t(groups))
-            out.emplace_back(subject, &records[r], int(std::min(records.size() - r, std::size_t(groups))));
-        return out;
+        return Collect(matches(subject), status);
+    }
+    std::vector<Match> findAll(const std::string& subject, vkpStatus* status = nullptr) const {
+        return Collect(matches(subject), status);
+    }
+    std::vector<Match> findAll(const char* subject, vkpStatus* status = nullptr) const {
+        return Collect(AllIn(subject ? std::string_view(subject) : std::string_view(), true), status);
     }
 
     // Writes the subject with the first match (every match, for a pattern
-    // compiled with "g") replaced, in pieces, to sink(const char*, size_t):
-    // vkpsRegExpReplace_8u's resume protocol over a buffer of bufferSize
-    // bytes, which grows only when one piece does not fit. Returns the
-    // first negative status, else whether a match was replaced (1) or not (0).
+    // compiled with "g") replaced to sink(const char*, size_t). The whole
+    // subject is one search: the destination grows until everything fits.
+    // Returns the first negative status (-119 for a subject or result
+    // beyond 2 GiB), else whether a match was replaced (1) or not (0).
     template <class Sink>
-    vkpStatus replaceTo(std::string_view subject, const Template& tmpl, Sink&& sink,
-                        std::size_t bufferSize = 64 * 1024) const {
-        if (!state_ || !tmpl.ok()) return state_ ? tmpl.status() : VKP_ERR_NOT_COMPILED;
-        if (subject.empty()) return ReplaceEmpty(subject, tmpl, sink);
-        std::string& buffer = buffer_;
-        if (buffer.size() < bufferSize || buffer.empty()) buffer.resize(bufferSize ? bufferSize : 1);
-        std::vector<vkpRegExpFind>& records = records_;
-        bool replaced = false;
-        for (std::size_t pos = 0; pos < subject.size();) {
-            const std::string_view rest = subject.substr(pos);
-            int srcLen = 0, dstLen = 0;
-            const vkpStatus st = ReplaceCall(rest, &srcLen, buffer, &dstLen, records, tmpl.state(), state_);
-            if (st < 0) return st;
-            sink(buffer.data(), std::size_t(dstLen));
-            replaced |= !records.empty();
-            pos += std::size_t(srcLen);
-            // Once the single replacement is written the rest is a plain copy.
-            if (!global() && !records.empty() &&
-                std::size_t(srcLen) >= Offset(rest, records[0]) + std::size_t(records[0].matchLen)) {
-                sink(subject.data() + pos, subject.size() - pos);
-                break;
-            }
-        }
-        return replaced ? 1 : 0;
+    vkpStatus replaceTo(std::string_view subject, const Template& tmpl, Sink&& sink) const {
+        std::string out;
+        const vkpStatus st = ReplaceIn(subject, !readsBehind_, tmpl, out);
+        if (st >= 0 && !out.empty()) sink(out.data(), out.size());
+        return st;
     }
-
     std::string replace(std::string_view subject, const Template& tmpl, vkpStatus* status = nullptr) const {
         std::string out;
-        const vkpStatus st = replaceTo(subject, tmpl, [&out](const char* p, std::size_t n) { out.append(p, n); });
+        const vkpStatus st = ReplaceIn(subject, !readsBehind_, tmpl, out);
+        if (status) *status = st;
+        return out;
+    }
+    std::string replace(const std::string& subject, const Template& tmpl, vkpStatus* status = nullptr) const {
+        std::string out;
+        const vkpStatus st = ReplaceIn(subject, true, tmpl, out);
+        if (status) *status = st;
+        return out;
+    }
+    std::string replace(const char* subject, const Template& tmpl, vkpStatus* status = nullptr) const {
+        std::string out;
+        const vkpStatus st = ReplaceIn(subject ? std::string_view(subject) : std::string_view(), true, tmpl, out);
         if (status) *status = st;
         return out;
     }
 
 private:
-    static const vkp8u* Bytes(std::string_view s) {
-        static const char empty = 0;
-        return reinterpret_cast<const vkp8u*>(s.data() ? s.data() : &empty);
-    }
-    static std::size_t Offset(std::string_view s, const vkpRegExpFind& r) {
-        return std::size_t(reinterpret_cast<const char*>(r.pMatch) - s.data());
-    }
-    static std::optional<Match> Failed(vkpStatus* status, vkpStatus st) {
-        if (status) *status = st;
-        return std::nullopt;
+    // The bytes a search runs over: the subject itself when the byte behind
+    // it may be read (or is never read), else a copy with a line feed behind.
+    // Never null.
+    static const char* Searched(std::string_view subject, bool readable, std::string& copy) {
+        if (subject.empty()) return reinterpret_cast<const char*>(detail::Bytes(nullptr));
+        if (readable) return subject.data();
+        copy.reserve(subject.size() + 1);
+        copy.assign(subject.data(), subject.size());
+        copy.push_back('\n');
+        return copy.data();
     }
 
-    // One replace call into buffer. The record array grows until a call
-    // leaves it not full (a global search finds at most two matches a
-    // position), and the buffer until the call makes progress.
-    vkpStatus ReplaceCall(std::string_view src, int* srcLen, std::string& buffer, int* dstLen,
-                          std::vector<vkpRegExpFind>& records, vkpRegExpReplaceState* tmpl,
-                          vkpRegExpState* state) const {
+    // One single search over bytes (the subject's bytes or their copy).
+    vkpStatus FindRecords(const char* bytes, std::size_t size, std::vector<vkpRegExpFind>& records) const {
+        records.resize(std::size_t(groupCount()));
+        int count = int(records.size());
+        vkpRegExpState* block = detail::Clones::Mine().For(state_, id_, false);
+        const vkpStatus st = vkpsRegExpFind_8u(detail::Bytes(bytes), int(size), block, records.data(), &count);
+        records.resize(st < 0 ? 0 : std::size_t(count));
+        return st;
+    }
+
+    std::optional<Match> FindIn(std::string_view subject, bool readable, vkpStatus* status) const {
+        vkpStatus st = state_ ? 0 : VKP_ERR_NOT_COMPILED;
+        if (subject.size() > std::size_t(INT32_MAX)) st = VKP_ERR_LENGTH;
+        thread_local std::string copy;
+        thread_local std::vector<vkpRegExpFind> records;
+        const char* bytes = Searched(subject, readable, copy);
+        if (st == 0) st = FindRecords(bytes, subject.size(), records);
+        if (status) *status = st;
+        if (st < 0 || records.empty()) return std::nullopt;
+        return Match(subject, bytes, records.data(), int(records.size()));
+    }
+
+    static std::vector<Match> Collect(const MatchRange& range, vkpStatus* status) {
+        if (status) *status = range.status();
+        return std::vector<Match>(range.begin(), range.end());
+    }
+
+    // A global replace with an empty template reports record 0 and every
+    // group of each match in its record array.
+    MatchRange AllIn(std::string_view subject, bool readable) const {
+        MatchRange r;
+        r.subject_ = subject;
+        r.per_ = std::size_t(std::max(groupCount(), 1));
+        if (!state_ || subject.size() > std::size_t(INT32_MAX)) {
+            r.status_ = state_ ? VKP_ERR_LENGTH : VKP_ERR_NOT_COMPILED;
+            return r;
+        }
+        thread_local std::string copy;
+        const char* bytes = Searched(subject, readable, copy);
+        r.base_ = bytes;
+        if (subject.empty()) {  // the replace call takes no empty source
+            r.status_ = FindRecords(bytes, 0, r.records_);
+            return r;
+        }
+        static const vkpRegExpReplaceState none = [] {
+            vkpRegExpReplaceState s{};
+            vkpsRegExpReplaceInit(nullptr, &s);
+            return s;
+        }();
+        std::string out;
+        r.status_ = ReplaceCall(std::string_view(bytes, subject.size()), out, r.records_,
+                                const_cast<vkpRegExpReplaceState*>(&none), true);
+        if (r.status_ < 0) r.records_.clear();
+        return r;
+    }
+
+    vkpStatus ReplaceIn(std::string_view subject, bool readable, const Template& tmpl, std::string& out) const {
+        out.clear();
+        if (!state_ || !tmpl.ok()) return state_ ? tmpl.status() : VKP_ERR_NOT_COMPILED;
+        if (subject.size() > std::size_t(INT32_MAX)) return VKP_ERR_LENGTH;
+        if (subject.empty()) return ReplaceEmpty(tmpl, out);
+        thread_local std::string copy;
+        thread_local std::vector<vkpRegExpFind> records;
+        const char* bytes = Searched(subject, readable, copy);
+        return ReplaceCall(std::string_view(bytes, subject.size()), out, records, tmpl.state(), global());
+    }
+
+    // One replace call over the whole of src into out. The record array grows
+    // until a call leaves it not full (a global search finds at most two
+    // matches a position), and the destination until all of src is consumed.
+    vkpStatus ReplaceCall(std::string_view src, std::string& out, std::vector<vkpRegExpFind>& records,
+                          vkpRegExpReplaceState* tmpl, bool all) const {
         const std::size_t groups = std::size_t(groupCount());
-        const bool all = state->options & VKP_REGEXP_GLOBAL;
         const std::size_t most = groups * (2 * src.size() + 2);
         std::size_t room = all ? std::min(most, groups * 64) : groups;
+        out.resize(std::max<std::size_t>(src.size() + src.size() / 4 + 64, out.capacity()));
         for (;;) {
             records.resize(room);
-            *srcLen = int(src.size());
-            *dstLen = int(std::min(buffer.size(), std::size_t(INT32_MAX)));
+            int srcLen = int(src.size());
+            int dstLen = int(std::min(out.size(), std::size_t(INT32_MAX)));
             int count = int(room);
-            const vkpStatus st = vkpsRegExpReplace_8u(Bytes(src), srcLen, reinterpret_cast<vkp8u*>(&buffer[0]), dstLen,
-                                                      records.data(), &count, state, tmpl);
-            if (st < 0) return st;
+            vkpRegExpState* block = detail::Clones::Mine().For(state_, id_, all);
+            const vkpStatus st = vkpsRegExpReplace_8u(detail::Bytes(src.data()), &srcLen,
+                                                      reinterpret_cast<vkp8u*>(&out[0]), &dstLen, records.data(),
+                                                      &count, block, tmpl);
+            if (st < 0) {
+                out.clear();
+                return st;
+            }
             if (all && std::size_t(count) == room && room < most) {
                 room = std::min(most, room * 4);
                 continue;
             }
-            if (*srcLen == 0) {  // the next piece does not fit
-                buffer.resize(buffer.size() * 2);
+            // A piece is written only when it fits strictly within the room
+            // left, so the whole result needs one byte more than its size.
+            const std::size_t size = ResultSize(src, records.data(), std::size_t(count), tmpl);
+            if (std::size_t(srcLen) < src.size() || std::size_t(dstLen) != size) {
+                if (size >= std::size_t(INT32_MAX)) {
+                    out.clear();
+                    return VKP_ERR_LENGTH;
+                }
+                out.resize(size + 1);
                 continue;
             }
+            out.resize(std::size_t(dstLen));
             records.resize(std::size_t(count));
-            return st;
+            return count > 0 ? 1 : 0;
         }
+    }
+
+    // The length of src with the matches in records replaced by the template.
+    std::size_t ResultSize(std::string_view src, const vkpRegExpFind* records, std::size_t count,
+                           const vkpRegExpReplaceState* tmpl) const {
+        const std::size_t groups = std::size_t(std::max(groupCount(), 1));
+        std::size_t size = src.size();
+        for (std::size_t r = 0; r + groups <= count; r += groups) {
+            size -= std::size_t(std::max(records[r].matchLen, 0));
+            for (int i = 0; i < tmpl->itemCount; ++i) {
+                const vkpRegExpReplaceItem& item = tmpl->pItems[i];
+                if (item.kind == VKP_REPLACE_LITERAL) size += std::size_t(item.value);
+                else if (std::size_t(item.value) < groups && records[r + std::size_t(item.value)].pMatch)
+                    size += std::size_t(std::max(records[r + std::size_t(item.value)].matchLen, 0));
+            }
+        }
+        return size;
     }
 
     // The replace call takes no empty source: an empty subject that matches
     // becomes the template's literal text (its groups are all empty).
-    template <class Sink>
-    vkpStatus ReplaceEmpty(std::string_view subject, const Template& tmpl, Sink& sink) const {
+    vkpStatus ReplaceEmpty(const Template& tmpl, std::string& out) const {
         vkpStatus st = 0;
-        if (!find(subject, &st)) return st < 0 ? st : 0;
+        if (!FindIn(std::string_view(), true, &st)) return st < 0 ? st : 0;
         const vkpRegExpReplaceState* t = tmpl.state();
         for (int i = 0; i < t->itemCount; ++i)
             if (t->pItems[i].kind == VKP_REPLACE_LITERAL)
-                sink(reinterpret_cast<const char*>(t->pItems[i].pText), std::size_t(t->pItems[i].value));
+                out.append(reinterpret_cast<const char*>(t->pItems[i].pText), std::size_t(t->pItems[i].value));
         return 1;
-    }
-
-    // The pattern for single searches and the one for global searches: the
-    // compiled block itself when its option says so, else a second one
-    // compiled on first use with the option added or left out.
-    vkpRegExpState* Single() const { return global() ? Other() : state_; }
-    vkpRegExpState* Global() const { return global() ? state_ : Other(); }
-    vkpRegExpState* Other() const {
-        if (!all_) {
-            std::string options;
-            for (char c : options_)
-                if (c != 'g') options += c;
-            if (!global()) options += 'g';
-            int offset = 0;
-            vkpsRegExpInitAlloc(pattern_.c_str(), options.c_str(), &all_, &offset);
-            if (all_) {
-                vkpsRegExpSetMatchLimit(state_->matchLimit, all_);
-                vkpsRegExpSetFormat(state_->format, all_);
-            }
-        }
-        return all_;
     }
 
     void Release() {
         if (state_) vkpsRegExpFree(state_);
-        if (all_) vkpsRegExpFree(all_);
-        state_ = all_ = nullptr;
+        detail::Clones::Mine().Drop(id_);
+        state_ = nullptr;
     }
 
     vkpRegExpState* state_ = nullptr;
-    mutable vkpRegExpState* all_ = nullptr;
-    mutable std::string buffer_;                  // replace output, kept between calls
-    mutable std::vector<vkpRegExpFind> records_;  // search records, kept between calls
+    std::uint64_t id_ = detail::NewId();
     vkpStatus status_ = VKP_ERR_NOT_COMPILED;
     int errorOffset_ = -1;
+    bool readsBehind_ = false;
     std::string pattern_, options_;
 };
 
 // A pattern set: each added Regex under a non-zero identifier; one search
-// runs every pattern over a subject. The Regex objects must outlive the set
-// (it keeps their blocks).
+// runs every pattern over a subject. The Regex objects must outlive the set.
+// The set searches copies of their blocks of its own, so a set serves one
+// thread at a time while the Regex objects stay free for other threads.
 class PatternSet {
 public:
     struct Result {
@@ -298,11 +563,16 @@ public:
         std::optional<Match> match;  // its first match, all groups
     };
 
-    explicit PatternSet(int capacity) { status_ = vkpsRegExpMultiInitAlloc(&set_, capacity); }
-    PatternSet(PatternSet&& o) noexcept : set_(std::exchange(o.set_, nullptr)), status_(o.status_) {}
+    explicit PatternSet(int capacity) {
+        status_ = vkpsRegExpMultiInitAlloc(&set_, capacity);
+        if (set_) blocks_.resize(std::size_t(capacity));
+    }
+    PatternSet(PatternSet&& o) noexcept
+        : set_(std::exchange(o.set_, nullptr)), status_(o.status_), blocks_(std::move(o.blocks_)) {}
     PatternSet& operator=(PatternSet&& o) noexcept {
         std::swap(set_, o.set_);
         std::swap(status_, o.status_);
+        std::swap(blocks_, o.blocks_);
         return *this;
     }
     PatternSet(const PatternSet&) = delete;
@@ -315,9 +585,21 @@ public:
     vkpStatus status() const { return status_; }
     // -9 when the set is full, -5 for identifier 0; -2 when no pattern has
     // the identifier (remove, modify). They act on the lowest such slot.
-    vkpStatus add(const Regex& re, int id) { return vkpsRegExpMultiAdd(re.state(), id, set_); }
-    vkpStatus remove(int id) { return vkpsRegExpMultiDelete(id, set_); }
-    vkpStatus modify(const Regex& re, int id) { return vkpsRegExpMultiModify(re.state(), id, set_); }
+    vkpStatus add(const Regex& re, int id) {
+        if (!set_) return VKP_ERR_NULL;
+        int slot = 0;
+        while (slot < set_->capacity && set_->pPatterns[slot]) ++slot;
+        if (slot == set_->capacity || id == 0) return vkpsRegExpMultiAdd(re.state(), id, set_);
+        return vkpsRegExpMultiAdd(Copy(re, std::size_t(slot)), id, set_);
+    }
+    vkpStatus remove(int id) { return set_ ? vkpsRegExpMultiDelete(id, set_) : VKP_ERR_NULL; }
+    vkpStatus modify(const Regex& re, int id) {
+        if (!set_) return VKP_ERR_NULL;
+        int slot = 0;
+        while (slot < set_->capacity && !(set_->pPatterns[slot] && set_->pIds[slot] == id)) ++slot;
+        if (slot == set_->capacity || id == 0) return vkpsRegExpMultiModify(re.state(), id, set_);
+        return vkpsRegExpMultiModify(Copy(re, std::size_t(slot)), id, set_);
+    }
 
     // One result per pattern in the set, in slot order. (The set refuses an
     // empty subject; that one is searched pattern by pattern.) A pattern
@@ -325,18 +607,25 @@ public:
     // search does.
     std::vector<Result> find(std::string_view subject) {
         std::vector<Result> out;
-        if (!set_) return out;
+        if (!set_ || subject.size() > std::size_t(INT32_MAX)) return out;
         const int n = set_->capacity;
         results_.assign(std::size_t(n), vkpRegExpMultiFind{0, 0, 0, 0, nullptr});
         records_.resize(std::size_t(n));
+        bool readsBehind = false;
         for (int i = 0; i < n; ++i) {
             if (!set_->pPatterns[i]) continue;
+            readsBehind |= detail::ReadsBehindSubject(set_->pPatterns[i]);
             records_[std::size_t(i)].resize(std::size_t(set_->pPatterns[i]->groupCount));
             results_[std::size_t(i)].numMatches = int(records_[std::size_t(i)].size());
             results_[std::size_t(i)].pMatches = records_[std::size_t(i)].data();
         }
-        static const char empty = 0;
-        const auto* bytes = reinterpret_cast<const vkp8u*>(subject.empty() ? &empty : subject.data());
+        const char* searched = subject.data();
+        if (readsBehind && !subject.empty()) {
+            copy_.assign(subject.data(), subject.size());
+            copy_.push_back('\n');
+            searched = copy_.data();
+        }
+        const vkp8u* bytes = detail::Bytes(subject.empty() ? nullptr : searched);
         if (!subject.empty()) {
             vkpsRegExpMultiFind_8u(bytes, int(subject.size()), results_.data(), set_);
         } else {
@@ -352,17 +641,31 @@ public:
         for (const vkpRegExpMultiFind& r : results_) {
             if (!r.isValid) continue;
             Result res{r.patternId, r.status, std::nullopt};
-            if (r.status >= 0 && r.numMatches > 0) res.match.emplace(subject, r.pMatches, r.numMatches);
+            if (r.status >= 0 && r.numMatches > 0)
+                res.match.emplace(subject, reinterpret_cast<const char*>(bytes), r.pMatches, r.numMatches);
             out.push_back(std::move(res));
         }
         return out;
     }
 
 private:
+    // The set's own copy of re's block for a slot (its work area is written
+    // by the set's searches); null for a pattern that did not compile.
+    vkpRegExpState* Copy(const Regex& re, std::size_t slot) {
+        const vkpRegExpState* s = re.state();
+        if (!s) return nullptr;
+        const std::size_t bytes = VKP_REGEXP_HEAD_SIZE + sizeof(vkpRegExpInstruction) * std::size_t(s->instructionCount);
+        blocks_[slot].resize((bytes + 7) / 8);
+        std::memcpy(blocks_[slot].data(), s, bytes);
+        return reinterpret_cast<vkpRegExpState*>(blocks_[slot].data());
+    }
+
     vkpRegExpMultiState* set_ = nullptr;
     vkpStatus status_ = 0;
+    std::vector<std::vector<std::uint64_t>> blocks_;
     std::vector<vkpRegExpMultiFind> results_;
     std::vector<std::vector<vkpRegExpFind>> records_;
+    std::string copy_;
 };
 
 }  // namespace vkpch

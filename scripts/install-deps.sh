@@ -11,6 +11,7 @@ packages=(
   libpcre2-dev libre2-dev libicu-dev
   libxxhash-dev
   libhyperscan-dev
+  grep perl libc-bin ripgrep debianutils
 )
 
 missing=()

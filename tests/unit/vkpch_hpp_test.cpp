@@ -1,12 +1,16 @@
 // vkpch.hpp used as an application would: compile, find with groups, all
 // matches against the C global search, replace with any buffer size equal to
-// one call with a large destination, pattern sets, moves and error reports.
+// one call with a large destination, views that end at a guard page,
+// pattern sets, moves and error reports.
 #include <gtest/gtest.h>
+
+#include <optional>
 
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/guarded_buffer.h"
 #include "support/random_text.h"
 #include "vkpch.hpp"
 
@@ -44,64 +48,114 @@ TEST(CppHeader, FindGroupsAndErrors) {
     EXPECT_EQ(moved.find(text)->group(1), std::string_view("ann"));
 }
 
-TEST(CppHeader, AllMatchesAndReplaceAtEveryBufferSize) {
-    // Resuming is exact for patterns that never match empty nor look before
-    // their start; the others get a buffer that holds the whole result.
-    struct Case {
-        const char* pattern;
-        bool resumable;
-    };
-    const Case cases[] = {{"a*", false}, {"(a)|b", true}, {"(\\w)(\\d)?", true}, {"\\b", false}, {"(?=a)|a", false},
-                          {"b(a+)", true}};
+// A reference for the header's results: the C functions run on a
+// std::string (its zero terminator is the byte behind the subject) with
+// room for everything.
+struct Reference {
+    static std::string Replace(const std::string& s, const vkpch::Regex& re, const vkpch::Template& t) {
+        if (s.empty()) return re.find(s) ? "<|>" : "";
+        std::string out(s.size() * 12 + 16, '\0');
+        std::vector<vkpRegExpFind> rec(4 * s.size() + 8);
+        int srcLen = int(s.size()), dstLen = int(out.size()), count = int(rec.size());
+        vkpsRegExpReplace_8u(reinterpret_cast<const vkp8u*>(s.c_str()), &srcLen, reinterpret_cast<vkp8u*>(&out[0]),
+                             &dstLen, rec.data(), &count, re.state(), t.state());
+        EXPECT_EQ(srcLen, int(s.size()));
+        out.resize(size_t(dstLen));
+        return out;
+    }
+    // Whole matches of the global search of the pattern in one more group.
+    static std::vector<vkpch::Span> Matches(const std::string& s, const char* pattern) {
+        const vkpch::Regex wrapped("(" + std::string(pattern) + ")", "g");
+        std::vector<vkpRegExpFind> rec(4 * s.size() + 8);
+        int n = int(rec.size());
+        EXPECT_GE(vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(s.c_str()), int(s.size()), wrapped.state(),
+                                    rec.data(), &n), 0);
+        std::vector<vkpch::Span> out;
+        for (int k = 0; k < n; k += wrapped.groupCount() - 1)
+            out.push_back({size_t(reinterpret_cast<const char*>(rec[size_t(k)].pMatch) - s.c_str()),
+                           size_t(rec[size_t(k)].matchLen)});
+        return out;
+    }
+};
+
+TEST(CppHeader, AllMatchesAndReplaceAgainstOneCall) {
+    // Patterns that match empty, look behind and test word boundaries: a
+    // search resumed inside the subject would differ from one call. Subjects
+    // run past 64 KiB.
+    const char* const patterns[] = {"a*", "(a)|b", "(\\w)(\\d)?", "\\b", "(?=a)|a", "b(a+)", "(?<=a)b", "\\bab\\b"};
     vkptest::Rng rng(77);
-    for (const Case& c : cases) {
-        const char* p = c.pattern;
-        const vkpch::Regex once(p), all(p, "g");
-        const vkpch::Template tmpl("<$1|$&>");
-        for (int iter = 0; iter < 20; ++iter) {
+    for (const char* p : patterns) {
+        const vkpch::Regex once(p), all(std::string_view(p), "g");
+        const vkpch::Template tmpl = "<$1|$&>";
+        for (int iter = 0; iter < 24; ++iter) {
+            const size_t len = iter < 20 ? size_t(vkptest::RandomInt(rng, 0, 12)) : size_t(70000 + iter);
             std::string s;
-            for (char u : vkptest::RandomUnits<char>(rng, size_t(vkptest::RandomInt(rng, 0, 12)), 4, 0)) s += "ab1 "[int(u)];
-            SCOPED_TRACE(std::string(p) + " on '" + s + "'");
-            // The whole matches agree with the C global search of the
-            // pattern in one more group.
-            const std::vector<vkpch::Match> ms = once.findAll(s);
-            const vkpch::Regex wrapped(("(" + std::string(p) + ")").c_str(), "g");
-            std::vector<vkpRegExpFind> rec(200);
-            int n = 200;
-            ASSERT_GE(vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(s.c_str()), int(s.size()), wrapped.state(),
-                                        rec.data(), &n),
-                      0);
-            const int per = wrapped.groupCount() - 1;
-            ASSERT_EQ(ms.size() * size_t(per), size_t(n));
-            for (size_t k = 0; k < ms.size(); ++k) {
-                EXPECT_EQ(ms[k].size(), size_t(once.groupCount()));
-                EXPECT_EQ(ms[k].str().data(), reinterpret_cast<const char*>(rec[k * size_t(per)].pMatch));
-                EXPECT_EQ(ms[k].str().size(), size_t(rec[k * size_t(per)].matchLen));
+            for (char u : vkptest::RandomUnits<char>(rng, len, 4, 0)) s += "ab1 "[int(u)];
+            SCOPED_TRACE(std::string(p) + " on '" + s.substr(0, 40) + "'");
+            const std::vector<vkpch::Span> want = Reference::Matches(s, p);
+            const std::vector<vkpch::Match> got = once.findAll(std::string_view(s));
+            ASSERT_EQ(got.size(), want.size());
+            size_t k = 0;
+            for (const vkpch::Match& m : once.matches(s)) {  // the range gives what the vector holds
+                EXPECT_EQ(m.span(0), want[k]);
+                EXPECT_EQ(m.str().data(), s.data() + want[k].offset);
+                EXPECT_EQ(m.size(), size_t(once.groupCount()));
+                EXPECT_EQ(got[k++].span(0), m.span(0));
             }
-            // The resume protocol over any buffer gives what one call with
-            // room for everything gives.
             for (const vkpch::Regex* re : {&once, &all}) {
-                std::string full;
-                if (!s.empty()) {
-                    full.resize(s.size() * 12 + 16);
-                    int srcLen = int(s.size()), dstLen = int(full.size()), count = 200;
-                    vkpsRegExpReplace_8u(reinterpret_cast<const vkp8u*>(s.c_str()), &srcLen,
-                                         reinterpret_cast<vkp8u*>(&full[0]), &dstLen, rec.data(), &count, re->state(),
-                                         tmpl.state());
-                    ASSERT_EQ(srcLen, int(s.size()));
-                    full.resize(size_t(dstLen));
-                } else if (re->find(s)) {
-                    full = "<|>";
-                }
-                for (size_t buffer : {size_t(1), size_t(2), size_t(5), size_t(256)}) {
-                    if (!c.resumable && buffer < 256) continue;
-                    std::string out;
-                    re->replaceTo(s, tmpl, [&](const char* q, size_t len) { out.append(q, len); }, buffer);
-                    EXPECT_EQ(out, full) << "buffer " << buffer << (re == &all ? " global" : " once");
-                }
+                const std::string full = Reference::Replace(s, *re, tmpl);
+                EXPECT_EQ(re->replace(std::string_view(s), tmpl), full) << (re == &all ? "global" : "once");
+                std::string out;
+                re->replaceTo(s, tmpl, [&](const char* q, size_t n) { out.append(q, n); });
+                EXPECT_EQ(out, full);
             }
         }
     }
+}
+
+TEST(CppHeader, ViewIsNotReadBeyondItsEnd) {
+    // The view ends flush against an inaccessible page; the byte behind the
+    // view in memory is a word character in the other placement.
+    const std::string text = "cats dogs";
+    vkptest::GuardedBuffer guarded(text.size());
+    const char* flush = reinterpret_cast<const char*>(guarded.fill(text.data(), text.size()));
+    for (const char* p : {"\\w+\\b", "s\\B", "\\bdogs\\b", "(?<=o)gs\\b"}) {
+        const vkpch::Regex re(p);
+        const vkpch::Regex g(p, "g");
+        for (size_t len : {size_t(0), size_t(3), size_t(4), text.size()}) {
+            // The view's last bytes against the guard page, and its first
+            // bytes ("cat" is followed by "s").
+            for (const std::string_view v : {std::string_view(flush + text.size() - len, len), std::string_view(text.data(), len)}) {
+                SCOPED_TRACE(std::string(p) + " on '" + std::string(v) + "'");
+                const std::string own(v);  // a zero behind it
+                const std::optional<vkpch::Match> want = re.find(own), got = re.find(v);
+                ASSERT_EQ(bool(got), bool(want));
+                if (got) {
+                    EXPECT_EQ(got->span(0), want->span(0));
+                }
+                EXPECT_EQ(re.findAll(v).size(), re.findAll(own).size());
+                EXPECT_EQ(g.replace(v, "[$&]"), g.replace(own, "[$&]"));
+            }
+        }
+    }
+}
+
+TEST(CppHeader, StatusTextsAndTemplateValues) {
+    for (vkpStatus st : {0, 12, 26, 27, -2, -5, -6, -7, -8, -9, -119, -183, -184, -185, -186, -187, -188, -189, -190})
+        EXPECT_STRNE(vkpch::statusText(st), vkpch::statusText(1)) << st;  // each has its own text, not the default
+    EXPECT_STREQ(vkpch::statusText(VKP_ERR_PARENTHESIS), "unmatched parenthesis or malformed group");
+    // Templates copy and move with their items pointing into their own text.
+    vkpch::Template a = std::string("[$1]");
+    vkpch::Template b = a;
+    {
+        vkpch::Template temp("x$&");
+        a = temp;
+    }
+    vkpch::Template c = std::move(b);
+    const vkpch::Regex re("(\\d)");
+    EXPECT_EQ(re.replace("a1", a), "ax1");
+    EXPECT_EQ(re.replace("a1", c), "a[1]");
+    EXPECT_EQ(re.replace(std::string("a1"), "<$&>"), "a<1>");
 }
 
 TEST(CppHeader, PatternSet) {

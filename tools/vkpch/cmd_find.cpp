@@ -2,11 +2,13 @@
 // (overlapping ones included), one per line, first to last or, with --rev,
 // last to first. With several files each line is prefixed by "FILE:".
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 
 #include "commands.h"
 #include "input.h"
+#include "io.h"
 #include "vkpch.h"
 
 namespace {
@@ -69,21 +71,26 @@ int CmdFind(const Args& args) {
     for (; i < args.size() && args[i].size() > 1 && args[i][0] == '-'; ++i) {
         if (args[i] == "--rev") reverse = true;
         else if (args[i] == "--") { ++i; break; }
-        else return Fail("find: unknown option '" + args[i] + "'");
+        else return Report("find: unknown option '" + args[i] + "'");
     }
-    if (i >= args.size()) return Fail("find: missing NEEDLE (usage: vkpch find [--rev] NEEDLE [FILE...])");
+    if (i >= args.size()) return Report("find: missing NEEDLE (usage: vkpch find [--rev] NEEDLE [FILE...])");
     const std::string needle = args[i++];
-    if (needle.empty()) return Fail("find: the needle is empty");
+    if (needle.empty()) return Report("find: the needle is empty");
     Args files(args.begin() + i, args.end());
     if (files.empty()) files.push_back("-");
 
     int64_t found = 0;
+    bool failed = false;
     std::vector<unsigned char> data;
     for (const std::string& file : files) {
         std::string error;
-        if (!ReadInput(file, data, error)) return Fail(error);
+        if (!ReadInput(file, data, error)) {
+            failed = Report(error);
+            continue;
+        }
         const std::string prefix = files.size() > 1 ? file + ":" : "";
         found += reverse ? FindBackward(data, needle, prefix) : FindForward(data, needle, prefix);
     }
-    return found > 0 ? 0 : 1;
+    if (std::fflush(stdout) != 0) return Report("write error: " + ErrorText(errno));
+    return failed ? 2 : found > 0 ? 0 : 1;
 }

@@ -13,9 +13,3 @@ int CmdGrep(const Args& args);
 int CmdCompile(const Args& args);
 int CmdConvert(const Args& args);
 int CmdReplace(const Args& args);
-// grep with -e/-f: the patterns form one pattern set.
-bool GrepUsesPatternList(const Args& args);
-int CmdGrepPatternSet(const Args& args);
-
-// Prints "vkpch: MESSAGE" to standard error and returns 2.
-int Fail(const std::string& message);

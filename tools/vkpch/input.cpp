@@ -1,14 +1,18 @@
 #include "input.h"
 
+#include "io.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 bool ReadInput(const std::string& path, std::vector<unsigned char>& data, std::string& error) {
     const bool useStdin = path == "-";
+    LineReader probe;  // names a directory or a missing file as grep does
+    if (!useStdin && !probe.Open(path, &error)) return false;
     FILE* f = useStdin ? stdin : std::fopen(path.c_str(), "rb");
     if (!f) {
-        error = path + ": " + std::strerror(errno);
+        error = path + ": " + ErrorText(errno);
         return false;
     }
     // Reads straight into data, which grows by doubling (from the file's size

@@ -2,44 +2,40 @@
 #include <cstdio>
 #include <cstring>
 
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #include "commands.h"
-
-namespace {
-
-constexpr const char* kUsage =
-    "usage: vkpch version\n"
-    "       vkpch find [--rev] NEEDLE [FILE...]\n"
-    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] PATTERN [FILE...]\n"
-    "       vkpch compile [-o OPTIONS] PATTERN\n"
-    "       vkpch convert [--from ENC] [--to ENC] [FILE...]   (ENC: utf-8, utf-16le, utf-16be)\n"
-    "       vkpch grep [-i] [-m] [-s] [-x] [-o] [-c] [-n] -e PATTERN [-e PATTERN...] | -f FILE [FILE...]\n"
-    "       vkpch replace [-i] [-m] [-s] [-x] [-g] PATTERN TEMPLATE [FILE...]\n";
-
-}  // namespace
-
-int Fail(const std::string& message) {
-    std::fprintf(stderr, "vkpch: %s\n", message.c_str());
-    return 2;
-}
+#include "help.h"
+#include "io.h"
 
 int main(int argc, char** argv) {
+#if defined(_WIN32)
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stdin), _O_BINARY);
+#endif
     if (argc < 2) {
-        std::fputs(kUsage, stderr);
+        PrintOverview(stderr);
         return 2;
     }
     const std::string command = argv[1];
     const Args args(argv + 2, argv + argc);
+    if (command == "--help" || command == "-h" || command == "help") {
+        if (!args.empty() && args[0] == "--man") PrintManual(stdout);
+        else if (args.empty() || !PrintCommandHelp(args[0].c_str(), stdout)) PrintOverview(stdout);
+        return std::fflush(stdout) == 0 ? 0 : 2;
+    }
+    if (command == "--version" || command == "-V") return CmdVersion(args);
+    // "vkpch COMMAND --help" for every command but grep, which parses its own.
+    if (command != "grep" && args.size() == 1 && args[0] == "--help" && PrintCommandHelp(command.c_str(), stdout))
+        return std::fflush(stdout) == 0 ? 0 : 2;
     if (command == "version") return CmdVersion(args);
     if (command == "find") return CmdFind(args);
     if (command == "compile") return CmdCompile(args);
     if (command == "convert") return CmdConvert(args);
-#ifdef VKPCH_HAVE_REGEXP_FIND
     if (command == "grep") return CmdGrep(args);
     if (command == "replace") return CmdReplace(args);
-#endif
-    if (command == "--help" || command == "-h" || command == "help") {
-        std::fputs(kUsage, stdout);
-        return 0;
-    }
-    return Fail("unknown command '" + command + "' (try 'vkpch help')");
+    return Report("unknown command '" + command + "' (try 'vkpch --help')");
 }
