@@ -7,7 +7,7 @@
 #include <string>
 #include <type_traits>
 
-#include "frame/kernel_width.h"
+#include "kernels/kernel_table.h"
 #include "vkpcore.h"
 
 namespace vkpbench {

@@ -9,8 +9,8 @@
 
 #include "bench_register.h"
 #include "corpus.h"
-#include "frame/entries.h"
-#include "frame/kernel_width.h"
+#include "floor/entries.h"
+#include "kernels/kernel_table.h"
 #include "ratio_table.h"
 #include "vkpch.h"
 #include "vkpcore.h"

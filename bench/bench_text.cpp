@@ -14,7 +14,7 @@
 
 #include "bench_register.h"
 #include "corpus.h"
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "ratio_table.h"
 #include "vkpch.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "ratio_table.h"
-#include "regexp/match/unicode_chars.h"
+#include "regexp/match/unicode_properties.h"
 
 namespace vkpbench {
 namespace {

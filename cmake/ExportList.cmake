@@ -1,4 +1,4 @@
-# Reads the export list (src/frame/export_list.inc) and writes the Windows
+# Reads the export list (src/floor/export_list.inc) and writes the Windows
 # .def file and the Linux version script from it, so that one list decides
 # what the library exports.
 function(vkpch_read_export_names out_var)

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "support/guarded_buffer.h"
 
 namespace {

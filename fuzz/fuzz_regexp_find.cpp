@@ -18,7 +18,7 @@
 #include <cstring>
 #include <vector>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "search_timer.h"
 #include "support/guarded_buffer.h"
 

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "search_timer.h"
 #include "support/guarded_buffer.h"
 

@@ -18,10 +18,10 @@ REPO = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 DEFAULT_UCD = os.path.join(REPO, "..", "shared", "ucd-5.1.0")
 UCD_VERSION = "5.1.0"
 
-OUT_BLOCKS = "src/regexp/compile/unicode_blocks_table.cpp"
-OUT_SCRIPTS = "src/regexp/compile/unicode_scripts_table.cpp"
-OUT_CHARS = "src/regexp/match/unicode_chars_table.cpp"
-OUT_CASEMAP = "src/search/case_map_table.cpp"
+OUT_BLOCKS = "src/floor/unicode_blocks_table.cpp"
+OUT_SCRIPTS = "src/floor/unicode_scripts_table.cpp"
+OUT_CHARS = "src/floor/unicode_chars_table.cpp"
+OUT_CASEMAP = "src/floor/case_map_table.cpp"
 OUT_CASELIST = "tests/unit/case_map_expected.inc"
 OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP, OUT_CASELIST)
 
@@ -170,7 +170,7 @@ def c_string(text):
 def emit_blocks(blocks):
     items = ["{%s,0x%X,0x%X}" % (c_string(n), a, b) for n, a, b in blocks]
     return (header(["Blocks.txt"]) +
-            '#include "regexp/compile/unicode_names.h"\n\n'
+            '#include "floor/unicode_data.h"\n\n'
             "namespace vkp {\n\n"
             "static_assert(kBlockNameSize == %d);\n\n"
             "const BlockRecord kBlocks[kBlockCount] = {\n%s\n};\n\n"
@@ -184,7 +184,7 @@ def emit_scripts(scripts):
         records.append("{%s,%d,%d}" % (c_string(name), len(ranges), len(lines)))
         ranges.extend("{0x%X,0x%X}" % r for r in lines)
     return (header(["Scripts.txt"]) +
-            '#include "regexp/compile/unicode_names.h"\n\n'
+            '#include "floor/unicode_data.h"\n\n'
             "namespace vkp {\n\n"
             "static_assert(kScriptNameSize == %d);\n"
             "static_assert(kScriptCount == %d);\n"
@@ -242,7 +242,7 @@ def emit_chars(records, ranges):
     class_items = ["{%d,%d,0x%X,0x%X,%d}" % (up, low, rb, bits, kind)
                    for rb, bits, up, low, kind in classes]
     return (header(["UnicodeData.txt"]) +
-            '#include "regexp/match/unicode_chars.h"\n\n'
+            '#include "floor/unicode_data.h"\n\n'
             "namespace vkp {\n\n"
             "static_assert(kCharRecordCount == %d);\n"
             "static_assert(kLastCharCodePoint == 0x%X);\n"
@@ -322,7 +322,7 @@ def emit_casemap(records, ages):
             out.append(str(sign * m[2] if m and m[slot] else 0))
         return wrap(out, 32)
     return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
-            '#include "search/case_map.h"\n\n'
+            '#include "floor/case_map.h"\n\n'
             "namespace vkp {\n\n"
             "const u16 kCaseMapIndex[kCaseMapIndexSize] = {\n%s\n};\n\n"
             "const u8 kCaseMapContents[] = {\n%s\n};\n\n"

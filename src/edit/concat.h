@@ -1,7 +1,7 @@
 // Concatenation, joining and splitting of counted strings (8u and 16u).
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/copy.h"
 #include "search/find.h"
 

@@ -4,7 +4,7 @@
 #include "edit/replace.h"
 #include "edit/trim.h"
 #include "edit/utf_convert.h"
-#include "frame/entries.h"
+#include "floor/entries.h"
 
 namespace vkp::entry {
 

@@ -3,7 +3,7 @@
 // wrap a 32-bit sum is refused with -119 instead of writing out of bounds.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/copy.h"
 
 namespace vkp::edit {

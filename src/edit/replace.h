@@ -1,7 +1,7 @@
 // Replacement of one code unit by another (8u and 16u).
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/active.h"
 
 namespace vkp::edit {

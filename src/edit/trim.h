@@ -2,7 +2,7 @@
 // counted string (8u and 16u).
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/copy.h"
 #include "kernels/trim_scan.h"
 

@@ -1,7 +1,7 @@
 // Lenient UTF-8 <-> UTF-16 conversion (either byte order on the 16-bit side).
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::edit {
 

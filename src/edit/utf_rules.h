@@ -9,7 +9,7 @@
 // bytes.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::edit {
 

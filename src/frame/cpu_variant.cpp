@@ -1,6 +1,6 @@
 #include "frame/cpu_variant.h"
 
-#include "frame/kernel_width.h"
+#include "kernels/kernel_table.h"
 #include "vkpcore.h"
 
 namespace vkp {

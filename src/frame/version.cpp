@@ -1,5 +1,5 @@
 // The two version records, one per processor variant.
-#include "frame/entries.h"
+#include "floor/entries.h"
 
 namespace vkp::entry {
 namespace {

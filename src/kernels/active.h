@@ -3,7 +3,7 @@
 // the 32-byte kernel for s's unit type.
 #pragma once
 
-#include "frame/kernel_width.h"
+#include "kernels/kernel_table.h"
 
 namespace vkp::kernels::active {
 

@@ -12,7 +12,7 @@
 #pragma once
 
 #include "kernels/simd_units.h"
-#include "search/case_map.h"
+#include "floor/case_map.h"
 
 namespace vkp::kernels {
 

@@ -7,7 +7,7 @@
 // regexp replace, pattern sets) call these.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/active.h"
 
 namespace vkp::kernels {

@@ -6,7 +6,7 @@
 
 #include <tmmintrin.h>
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::kernels {
 

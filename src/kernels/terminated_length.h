@@ -2,7 +2,7 @@
 // load may reach past the terminator, not even within an aligned block.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::kernels {
 

@@ -21,7 +21,7 @@
 
 #include <tmmintrin.h>
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::kernels {
 

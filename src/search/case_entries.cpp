@@ -1,5 +1,5 @@
 // The twelve case conversion exports.
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/active.h"
 
 namespace vkp::entry {

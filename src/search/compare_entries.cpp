@@ -1,6 +1,6 @@
 // The seven comparison and equality exports: the arguments checked, then one
 // jump to the kernel of the loaded width (the folded 16u compare excepted).
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/active.h"
 #include "kernels/compare.h"
 

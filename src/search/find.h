@@ -2,7 +2,7 @@
 // checks, then the kernel). Other families call these directly.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "kernels/active.h"
 #include "kernels/terminated_length.h"
 

@@ -1,5 +1,5 @@
 // The twelve search exports.
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "search/find.h"
 
 namespace vkp::entry {

@@ -1,5 +1,5 @@
 // The six hashing exports.
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/hash.h"
 
 namespace vkp::entry {

@@ -1,5 +1,5 @@
 // The four character-set search exports.
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/active.h"
 #include "kernels/set_search.h"
 

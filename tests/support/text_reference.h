@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "search/case_map.h"
+#include "floor/case_map.h"
 
 namespace vkptest {
 

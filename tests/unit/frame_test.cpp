@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/entries.h"
-#include "frame/kernel_width.h"
+#include "floor/entries.h"
+#include "kernels/kernel_table.h"
 #include "vkpch.h"
 #include "vkpcore.h"
 

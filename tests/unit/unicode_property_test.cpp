@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "regexp/match/unicode_chars.h"
+#include "regexp/match/unicode_properties.h"
 
 namespace vkp {
 namespace {

@@ -5,9 +5,8 @@
 #include <map>
 #include <vector>
 
-#include "regexp/compile/unicode_names.h"
-#include "regexp/match/unicode_chars.h"
-#include "search/case_map.h"
+#include "floor/unicode_data.h"
+#include "floor/case_map.h"
 
 namespace vkp {
 namespace {

@@ -1,7 +1,7 @@
 // Character classes: OP_CLASS followed by its member records.
 #include "regexp/compile/compiler_pass.h"
 #include "regexp/compile/pattern_syntax.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 
 namespace vkp::regexp {
 namespace {

@@ -2,7 +2,7 @@
 // a RegExpState out. No heap; all working state lives on the stack.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "regexp/compile/state.h"
 
 namespace vkp::regexp {

@@ -2,7 +2,7 @@
 // agree on where comments, classes and option settings end.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::regexp {
 

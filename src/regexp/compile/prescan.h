@@ -2,7 +2,7 @@
 // balances the parentheses and counts the capturing groups.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::regexp {
 

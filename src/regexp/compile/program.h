@@ -6,7 +6,7 @@
 
 #include <stddef.h>
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp {
 

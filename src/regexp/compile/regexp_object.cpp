@@ -1,7 +1,7 @@
 // The exported functions of the compiled pattern object.
 #include <limits.h>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "regexp/compile/compiler.h"
 #include "vkpcore.h"
 

@@ -4,7 +4,7 @@
 
 #include <stddef.h>
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "regexp/compile/program.h"
 
 namespace vkp {

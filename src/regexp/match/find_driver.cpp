@@ -2,13 +2,13 @@
 // the matcher, once or for every match (global option).
 #include "regexp/match/find_driver.h"
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "regexp/match/analysis.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/memo.h"
 #include "regexp/match/stack_limit.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 
 namespace vkp::regexp {
 

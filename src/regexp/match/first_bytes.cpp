@@ -1,7 +1,7 @@
 #include "regexp/match/first_bytes.h"
 
 #include "regexp/match/literal_scan.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 #include "search/find.h"
 
 namespace vkp::regexp {

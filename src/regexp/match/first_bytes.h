@@ -3,7 +3,7 @@
 // the matcher.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "regexp/compile/program.h"
 #include "regexp/match/literal_scan.h"
 

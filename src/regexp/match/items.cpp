@@ -1,7 +1,7 @@
 // Item tests that are too large to inline into the matching loops.
 #include "regexp/match/items.h"
 
-#include "regexp/match/unicode_chars.h"
+#include "regexp/match/unicode_properties.h"
 
 namespace vkp::regexp {
 

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "regexp/match/match_context.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 
 namespace vkp::regexp {
 

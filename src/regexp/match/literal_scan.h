@@ -2,7 +2,7 @@
 // the search kernels, or ignoring ASCII case.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::regexp {
 

@@ -16,7 +16,7 @@
 //   path that later failed keeps its text until the next start position.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "regexp/compile/program.h"
 #include "regexp/compile/state.h"
 

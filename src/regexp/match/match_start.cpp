@@ -8,7 +8,7 @@
 
 #include "regexp/match/first_bytes.h"
 #include "regexp/match/match_context.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 
 namespace vkp::regexp {
 

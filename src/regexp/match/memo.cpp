@@ -3,9 +3,9 @@
 
 #include <limits.h>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "regexp/match/find_driver.h"
-#include "regexp/match/utf8.h"
+#include "floor/utf8.h"
 
 namespace vkp::regexp {
 

@@ -4,7 +4,7 @@
 // capacity pattern pointers, then the capacity identifiers.
 #include <limits.h>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/copy.h"
 #include "regexp/compile/state.h"
 #include "vkpcore.h"

@@ -4,7 +4,7 @@
 // before a match, one template item, the rest of the source) is written only
 // when it fits strictly within the room left; the lengths returned say where
 // to resume.
-#include "frame/entries.h"
+#include "floor/entries.h"
 #include "kernels/copy.h"
 #include "regexp/match/find_driver.h"
 

@@ -4,7 +4,7 @@
 #include <limits.h>
 #include <stddef.h>
 
-#include "frame/entries.h"
+#include "floor/entries.h"
 
 namespace vkp::entry {
 namespace {

@@ -1,6 +1,6 @@
 // Property tests of one code point against a category, block, script or
 // literal code point instruction.
-#include "regexp/match/unicode_chars.h"
+#include "regexp/match/unicode_properties.h"
 
 namespace vkp {
 

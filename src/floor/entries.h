@@ -3,13 +3,13 @@
 // may call them directly with the same contract as the export.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::entry {
 
 #define VKP_EXPORT(R, N, P, A) R N P;
 #define VKP_EXPORT_VARIANTS(R, N, P, A, I0, I1)
-#include "frame/export_list.inc"
+#include "floor/export_list.inc"
 #undef VKP_EXPORT
 #undef VKP_EXPORT_VARIANTS
 

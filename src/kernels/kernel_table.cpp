@@ -1,4 +1,4 @@
-#include "frame/kernel_width.h"
+#include "kernels/kernel_table.h"
 
 namespace vkp {
 

@@ -3,7 +3,7 @@
 // (kernels/kernel_list.inc), filled with the 16-byte or the 32-byte ones.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 #include "vkpcore.h"
 
 namespace vkp {

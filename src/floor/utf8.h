@@ -3,7 +3,7 @@
 // sequence) is a character of its own whose value is the byte.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp::regexp {
 

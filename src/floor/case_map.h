@@ -2,7 +2,7 @@
 // lookup from a unit to a 32-bit property word.
 #pragma once
 
-#include "frame/base.h"
+#include "floor/base.h"
 
 namespace vkp {
 
