@@ -261,6 +261,12 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     return s;
 }
 
+__attribute__((noinline)) Status FindBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches,
+                                             int* numMatches, const char* stackFloor, bool allRecords) {
+    Memo memo;
+    return FindInState(src, srcLen, state, matches, numMatches, stackFloor, &memo, allRecords);
+}
+
 Status FindTimeBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
                        bool allRecords) {
     // The stack floor is looked up only when the matcher runs: literal

@@ -17,6 +17,11 @@ struct Memo;
 Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
                    const char* stackFloor, Memo* memo, bool allRecords = false);
 
+// The search run again with a failure table on this frame's stack (kept out
+// of the plain search's frame).
+Status FindBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
+                   const char* stackFloor, bool allRecords);
+
 // The search of vkpsRegExpFind_8u after its argument checks: first the plain
 // search, then, if that runs far beyond subject x program steps, the rerun
 // with the failure table (memo.h).

@@ -2,7 +2,6 @@
 
 #include "regexp/match/literal_scan.h"
 #include "floor/utf8.h"
-#include "search/find.h"
 
 namespace vkp::regexp {
 namespace {
@@ -206,8 +205,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
     switch (f.mode) {
         case StartFilter::kByte: {
             if (f.byte >= 128 && format == 1) break;
-            int i = -1;
-            search::FindC(pos, len, f.byte, &i);
+            const int i = FindLiteral(pos, len, &f.byte, 1, false);
             return i < 0 ? nullptr : pos + i;
         }
         case StartFilter::kFolded: {

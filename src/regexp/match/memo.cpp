@@ -205,10 +205,4 @@ int BacktrackMemo(const u8* p, const u8* lowest, long step, MatchContext* ctx, c
     }
 }
 
-__attribute__((noinline)) Status FindBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches,
-                                             int* numMatches, const char* stackFloor, bool allRecords) {
-    Memo memo;
-    return FindInState(src, srcLen, state, matches, numMatches, stackFloor, &memo, allRecords);
-}
-
 }  // namespace vkp::regexp

@@ -74,15 +74,11 @@ long long CapSteps(int length, int count, int matchLimit);
 void BoundsInit(MatchContext* ctx, Memo* memo, int length, int count, int matchLimit);
 
 // The status of a search that reached its step limit: kSearchAgain after
-// the plain search (the caller runs FindBounded), the match-limit status
+// the plain search (the driver then runs FindBounded), the match-limit status
 // after the rerun.
 constexpr Status kSearchAgain = 0x7FFF0001;
 Status BoundsStatus(const MatchContext* ctx);
 VKP_INLINE bool StepLimitHit(const MatchContext* ctx) { return ctx->stepState > 0; }
-
-// The search run again with a failure table on this frame's stack.
-Status FindBounded(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches,
-                   const char* stackFloor, bool allRecords);
 
 // Prepares the table for the program (the group table must be filled).
 void MemoInit(Memo* memo, const MatchContext* ctx, int count);
