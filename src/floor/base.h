@@ -32,4 +32,11 @@ VKP_INLINE T LoadUnit(const T* p) {
     return v;
 }
 
+// An ASCII letter, either case, as a unit of type T (a wider unit with
+// other high bits is none).
+template <class T>
+VKP_INLINE bool IsAsciiLetter(T c) {
+    return static_cast<T>((c | 0x20) - 'a') < 26;
+}
+
 }  // namespace vkp

@@ -29,7 +29,7 @@ struct SameIgnoringLatinCase {
     RangeShift<T, V> small = LatinUpper<T, V>();
     Reg caseBit = V::template Splat<T>(T(0x20));
 
-    VKP_INLINE bool Unit(T a, T b) const { return a == b || ((a ^ b) == 0x20 && T((a | 0x20) - 'a') < 26); }
+    VKP_INLINE bool Unit(T a, T b) const { return a == b || ((a ^ b) == 0x20 && IsAsciiLetter(a)); }
     VKP_INLINE Reg Vector(Reg a, Reg b) const {
         const Reg caseOnly = V::And(V::template Equal<T>(V::Xor(a, b), caseBit), small.InRange(V::Or(a, caseBit)));
         return V::Or(V::template Equal<T>(a, b), caseOnly);

@@ -53,7 +53,7 @@ namespace detail {
 VKP_INLINE bool EqualFolded(const u8* a, const u8* b, int n) {
     for (int i = 0; i < n; ++i) {
         const u8 x = a[i], y = b[i];
-        if (x != y && ((x ^ y) != 0x20 || u8((x | 0x20) - 'a') >= 26)) return false;
+        if (x != y && ((x ^ y) != 0x20 || !IsAsciiLetter(x))) return false;
     }
     return true;
 }
@@ -65,7 +65,7 @@ struct Probe {
     T want, fold;
     VKP_INLINE explicit Probe(T u) : want(u), fold(0) {
         if constexpr (kFolded) {
-            if (u8((u | 0x20) - 'a') < 26) want = T(u | 0x20), fold = 0x20;
+            if (IsAsciiLetter(u)) want = T(u | 0x20), fold = 0x20;
         }
     }
     VKP_INLINE bool Unit(T u) const { return T(u | fold) == want; }

@@ -23,7 +23,7 @@ Status Compile(const char* pattern, const char* options, RegExpState* state, int
     ClearAnalysisStamp(state);  // a recompile must not find the old pattern's analysis
     state->options = bits;
     state->groupCount = captures + 1;
-    state->format = 1;
+    state->format = kFormatUtf8;
     CompilerPass pass(pattern, len, state, bits, captures + 1);
     return pass.Run(errOffset);
 }

@@ -61,7 +61,7 @@ Status CompilerPass::Run(int* errOffset) {
     };
     if ((len_ >= 2 && (starts(".*", 2) || starts(".+", 2)) && (len_ == 2 || p_[2] != '?')) ||
         starts("(?:.*)", 6) || starts("(?:.+)", 6)) {
-        Emit(OP_ANCHOR)->a = 128;
+        Emit(OP_ANCHOR)->a = kImplicitAnchor;
     }
 
     Status s = kOk;
@@ -146,15 +146,15 @@ void CompilerPass::Finish() {
     }
 
     auto isLiteral = [this](int i) { return prog_[i].op == OP_CHAR || prog_[i].op == OP_STRING; };
-    int kind = 0;
+    int kind = kKindGeneral;
     if (count_ >= 3 && (count_ & 1)) {
-        kind = 2;
+        kind = kKindLiteralAlternation;
         for (int i = 0; i < count_; ++i)
-            if (!((i & 1) ? prog_[i].op == OP_ALT : isLiteral(i))) kind = 0;
+            if (!((i & 1) ? prog_[i].op == OP_ALT : isLiteral(i))) kind = kKindGeneral;
     }
-    if (kind == 0 && count_ > 0 && isLiteral(0) && !hasAlt &&
+    if (kind == kKindGeneral && count_ > 0 && isLiteral(0) && !hasAlt &&
         !(count_ > 1 && prog_[1].op == OP_GREEDY_REPEAT && prog_[1].a == 0))
-        kind = 1;
+        kind = kKindLeadingLiteral;
 
     state_->instructionCount = count_;
     state_->lastLiteralIndex = lastLiteral_;

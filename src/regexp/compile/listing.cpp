@@ -109,7 +109,7 @@ void Format(const RegExpState* state, int index, const Place& place, Text& t) {
             else t.Put(" \\%c", ins.a);
             break;
         case OP_ANCHOR:
-            if (ins.a == 128) t.Put(" implicit");
+            if (ins.a == kImplicitAnchor) t.Put(" implicit");
             else if (ins.a == '^' || ins.a == '$') t.Put(" %c", ins.a);
             else t.Put(" \\%c", ins.a);
             break;

@@ -3,15 +3,9 @@
 #pragma once
 
 #include "floor/base.h"
+#include "regexp/compile/program.h"
 
 namespace vkp::regexp {
-
-// Option bits.
-constexpr u32 kOptDotAll = VKP_REGEXP_DOTALL;
-constexpr u32 kOptMultiline = VKP_REGEXP_MULTILINE;
-constexpr u32 kOptIgnoreCase = VKP_REGEXP_IGNORECASE;
-constexpr u32 kOptExtended = VKP_REGEXP_EXTENDED;
-constexpr u32 kOptGlobal = VKP_REGEXP_GLOBAL;
 
 // The bit of an option letter (s m i x g), or 0.
 VKP_INLINE u32 OptionBit(char c) {

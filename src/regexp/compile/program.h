@@ -54,6 +54,38 @@ constexpr int kRepeatUnlimited = 0x3FFFFFFF;
 // The 24-byte record of the public header: op, a, b, c, d.
 using Instruction = vkpRegExpInstruction;
 
+// Bits of the option word (the option letters s, m, i, x, g).
+constexpr u32 kOptDotAll = VKP_REGEXP_DOTALL;
+constexpr u32 kOptMultiline = VKP_REGEXP_MULTILINE;
+constexpr u32 kOptIgnoreCase = VKP_REGEXP_IGNORECASE;
+constexpr u32 kOptExtended = VKP_REGEXP_EXTENDED;
+constexpr u32 kOptGlobal = VKP_REGEXP_GLOBAL;
+
+// The header's patternKind.
+enum PatternKind : int {
+    kKindGeneral = 0,
+    kKindLeadingLiteral = 1,      // begins with a literal that every match begins with
+    kKindLiteralAlternation = 2,  // literal | literal | ... and nothing else
+};
+
+// The header's subject format.
+enum SubjectFormat : int { kFormatBytes = 0, kFormatUtf8 = 1 };
+
+// OP_ANCHOR's a for the anchor the compiler puts before a leading .* or .+:
+// a match starts at the subject start or after a line feed.
+constexpr int kImplicitAnchor = 128;
+
+// The bytes of an OP_CHAR or OP_STRING instruction; length 0 for others.
+struct Literal {
+    const u8* bytes;
+    int length;
+};
+inline Literal LiteralOf(const Instruction& ins) {
+    if (ins.op == OP_CHAR) return {reinterpret_cast<const u8*>(&ins.a), 1};  // little-endian: a's low byte
+    if (ins.op == OP_STRING && ins.b > 0) return {static_cast<const u8*>(ins.d), ins.b};
+    return {nullptr, 0};
+}
+
 // Readers of the program.
 // Is `op` the opener of a group (it is followed by its body and an OP_KET)?
 inline bool IsOpener(u32 op) {

@@ -56,7 +56,7 @@ Status vkpsRegExpSetMatchLimit(int value, RegExpState* pState) {
 
 Status vkpsRegExpSetFormat(int format, RegExpState* pState) {
     if (!pState) return kErrNull;
-    if (format != 0 && format != 1) return VKP_ERR_FORMAT;
+    if (format != kFormatBytes && format != kFormatUtf8) return VKP_ERR_FORMAT;
     pState->format = format;
     return kOk;
 }

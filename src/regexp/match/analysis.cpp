@@ -111,7 +111,6 @@ bool ReadsCaptures(const Instruction* prog, int count) {
     return false;
 }
 
-bool IsLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
 
 // A program of literals at 0, 2, 4, ... with a top-level bar between each
 // two (one literal when count is 1).
@@ -123,9 +122,9 @@ void MarkLiteralsOnly(const Instruction* prog, int count, Analysis* a) {
             if (ins.op != OP_ALT || ins.a != 0) return;
             continue;
         }
-        if (ins.op != OP_CHAR && !(ins.op == OP_STRING && ins.b > 0)) return;
-        const u8 first = ins.op == OP_CHAR ? static_cast<u8>(ins.a) : static_cast<const u8*>(ins.d)[0];
-        if ((first & 0xC0) == 0x80) a->literalContinuationLed = 1;
+        const Literal lit = LiteralOf(ins);
+        if (lit.length == 0) return;
+        if ((lit.bytes[0] & 0xC0) == 0x80) a->literalContinuationLed = 1;
     }
     a->literalsOnly = 1;
 }
@@ -141,10 +140,10 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
         const int next = NextItem(prog, i);
         if (next > count) return;  // malformed: the byte found so far, if any, still holds
         const bool repeated = next < count && vkp::IsRepeat(prog[next].op);
-        const bool literal = ins.op == OP_CHAR || (ins.op == OP_STRING && ins.b > 0);
-        if (literal && !(repeated && prog[next].a == 0)) {
-            const u8 b = ins.op == OP_CHAR ? static_cast<u8>(ins.a) : static_cast<const u8*>(ins.d)[0];
-            const bool caseless = ((options | static_cast<u32>(ins.c)) & kOptIgnoreCase) && IsLetter(b);
+        const Literal lit = LiteralOf(ins);
+        if (lit.length > 0 && !(repeated && prog[next].a == 0)) {
+            const u8 b = lit.bytes[0];
+            const bool caseless = ((options | static_cast<u32>(ins.c)) & kOptIgnoreCase) && IsAsciiLetter(b);
             a->requiredByte = caseless ? (b | 0x20) : b;
             a->requiredCaseless = caseless;
             if (i > 0) return;
@@ -167,11 +166,11 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     const int r = NextItem(prog, 0);
     const int f = r + 1;
     if (f >= count || !vkp::IsRepeat(prog[r].op)) return;
-    if (prog[f].op != OP_CHAR && !(prog[f].op == OP_STRING && prog[f].b > 0)) return;
+    const Literal literal = LiteralOf(prog[f]);
+    if (literal.length == 0) return;
     if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op)) return;
-    const u8* lit = prog[f].op == OP_CHAR ? reinterpret_cast<const u8*>(&prog[f].a)  // little-endian: a's low byte
-                                          : static_cast<const u8*>(prog[f].d);
-    const int n = prog[f].op == OP_CHAR ? 1 : prog[f].b;
+    const u8* lit = literal.bytes;
+    const int n = literal.length;
     const bool caseless = ((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) != 0;
     for (int k = 0; k < n; ++k)  // a caseless search folds ASCII letters only
         if (lit[k] >= 128 && (k == 0 || caseless)) return;
@@ -205,15 +204,15 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     if (count > 0 && program[0].op == OP_ANCHOR) {
         if (firstBar == count) {
             const int c = program[0].a;
-            if (c == 'A' || c == 'G') a->anchorMode = 2;
-            else if (c == '^') a->anchorMode = options & kOptMultiline ? 1 : 2;
-            else if (c == 128) a->anchorMode = 1;  // the implicit anchor holds at line starts only
+            if (c == 'A' || c == 'G') a->anchorMode = kAnchorSubjectStart;
+            else if (c == '^') a->anchorMode = options & kOptMultiline ? kAnchorLineStarts : kAnchorSubjectStart;
+            else if (c == kImplicitAnchor) a->anchorMode = kAnchorLineStarts;
             // An anchor that a repeat makes optional anchors nothing.
-            if (count > 1 && IsRepeat(&program[1]) && program[1].a == 0) a->anchorMode = 0;
+            if (count > 1 && IsRepeat(&program[1]) && program[1].a == 0) a->anchorMode = kAnchorAnywhere;
         }
     }
     // Start positions whose byte cannot begin a match are passed over.
-    if (a->anchorMode == 0) a->filter = MakeStartFilter(program, count, options);
+    if (a->anchorMode == kAnchorAnywhere) a->filter = MakeStartFilter(program, count, options);
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
     MarkLiteralsOnly(program, count, a);
@@ -234,12 +233,12 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     // run sets any). From a start inside the run the run ends at e too and
     // the rest would be tried at some of the same positions: the search
     // goes on at e.
-    if (count > 1 && firstBar == count && a->anchorMode == 0 && !ReadsCaptures(program, count) &&
+    if (count > 1 && firstBar == count && a->anchorMode == kAnchorAnywhere && !ReadsCaptures(program, count) &&
         (IsSingleItem(program[0].op) || program[0].op == OP_CLASS)) {
         const int r = NextItem(program, 0);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
-    if (a->anchorMode == 0 && firstBar == count) FilterRunBefore(program, count, options, a);
+    if (a->anchorMode == kAnchorAnywhere && firstBar == count) FilterRunBefore(program, count, options, a);
     // A required byte that the start filter searches for adds a second scan
     // of what the filter scans; the driver then tests the filter's literal
     // instead, on short subjects only, where that saves setting up the

@@ -14,17 +14,6 @@ namespace vkp::regexp {
 
 namespace {
 
-struct Literal {
-    const u8* bytes;
-    int length;  // 0: not a literal instruction
-};
-
-Literal LiteralOf(const Instruction& ins) {
-    if (ins.op == OP_CHAR) return {reinterpret_cast<const u8*>(&ins.a), 1};  // little-endian: a's low byte
-    if (ins.op == OP_STRING && ins.b > 0) return {static_cast<const u8*>(ins.d), ins.b};
-    return {nullptr, 0};
-}
-
 void Append(const RegExpFind* records, int first, int count, RegExpFind* out, int cap, int* written) {
     for (int k = first; k < first + count && *written < cap; ++k) out[(*written)++] = records[k];
 }
@@ -77,7 +66,7 @@ int LeftmostLiteral(const Instruction* program, int count, const u8* s, int len,
 // left to the matcher, which starts only at character boundaries; any
 // other first byte always starts one.
 bool LiteralsOnly(const RegExpState* state, const Analysis& an) {
-    return an.literalsOnly && (state->format == 0 || !an.literalContinuationLed);
+    return an.literalsOnly && (state->format == kFormatBytes || !an.literalContinuationLed);
 }
 
 Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches) {
@@ -122,7 +111,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
 
     // 2. An alternation of literals: the leftmost occurrence of any, the
     // earliest alternative among those at the same index.
-    if (state->patternKind == 2 && !(options & kOptGlobal) && an.literalsOnly) {
+    if (state->patternKind == kKindLiteralAlternation && !(options & kOptGlobal) && an.literalsOnly) {
         int length = 0;
         const int best = LeftmostLiteral(program, count, src, effLen, (options & kOptIgnoreCase) != 0, &length);
         if (best < 0) {
@@ -138,7 +127,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
     // repeat makes it optional (kind 1 says so); when the literal does not
     // occur the full search runs, unless every match begins with it.
     const u8* start = src;
-    if (state->patternKind == 1 && count > 0) {
+    if (state->patternKind == kKindLeadingLiteral && count > 0) {
         const Literal lit = LiteralOf(program[0]);
         if (lit.length > 0) {
             const bool caseless = (program[0].c & kOptIgnoreCase) != 0;
@@ -230,7 +219,7 @@ Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
             continue;
         }
         if (matchStart >= end) break;
-        const int step = ctx.format == 1 ? CharLength(matchStart, end) : 1;
+        const int step = ctx.format == kFormatUtf8 ? CharLength(matchStart, end) : 1;
         if (written < cap) {
             ctx.notEmpty = 1;
             if (MatchStart(matchStart, step, &ctx, 2, firstAlternative) == 0)

@@ -6,14 +6,12 @@
 namespace vkp::regexp {
 namespace {
 
-constexpr u32 kCaseless = 4;
-constexpr u32 kDotAll = 1;
 
 enum Outcome { kConsumes, kMayBeEmpty, kUnknown };
 
 void AddByte(ByteSet* set, u8 b, u32 options) {
     set->Add(b);
-    if ((options & kCaseless) && static_cast<u8>((b | 0x20) - 'a') < 26) set->Add(b ^ 0x20);
+    if ((options & kOptIgnoreCase) && IsAsciiLetter(b)) set->Add(b ^ 0x20);
 }
 
 // Bytes of the classes \d \s \w; the upper-case forms take the complement
@@ -42,13 +40,13 @@ Outcome MemberBytes(const Instruction* prog, int at, u32 options, ByteSet* set) 
         switch (ins.op) {
             case OP_CHAR:
             case OP_CODEPOINT:
-                if (ins.c != 0 || ((options & kCaseless) && ins.a >= 128)) return kUnknown;
+                if (ins.c != 0 || ((options & kOptIgnoreCase) && ins.a >= 128)) return kUnknown;
                 if (ins.a < 128) AddByte(set, static_cast<u8>(ins.a), options);
                 else AddHigh(set);
                 break;
             case OP_RANGE:
                 if (ins.c != 0 || ins.a > ins.b) return kUnknown;
-                if ((options & kCaseless) && ins.b >= 128) return kUnknown;
+                if ((options & kOptIgnoreCase) && ins.b >= 128) return kUnknown;
                 for (int b = ins.a; b <= ins.b && b < 128; ++b) AddByte(set, static_cast<u8>(b), options);
                 if (ins.b >= 128) AddHigh(set);
                 break;
@@ -99,21 +97,21 @@ Outcome ItemFirst(const Instruction* prog, int i, u32* options, ByteSet* set) {
         case OP_TYPE:
             if (ins.a == '.') {
                 set->AddRange(0, 9);
-                if (*options & kDotAll) set->Add(10);
+                if (*options & kOptDotAll) set->Add(10);
                 set->AddRange(11, 255);
             } else {
                 AddType(set, ins.a);
             }
             return kConsumes;
         case OP_CODEPOINT:
-            if (*options & kCaseless) return kUnknown;  // a partner may be ASCII
+            if (*options & kOptIgnoreCase) return kUnknown;  // a partner may be ASCII
             if (ins.a < 128) set->Add(static_cast<u8>(ins.a));
             else AddHigh(set);
             return kConsumes;
         case OP_BLOCK:
         case OP_SCRIPT: {
             // Only sets of characters at or above 128, compared as they are.
-            if ((*options & kCaseless) || (ins.op == OP_BLOCK ? ins.c : ins.b) != 0) return kUnknown;
+            if ((*options & kOptIgnoreCase) || (ins.op == OP_BLOCK ? ins.c : ins.b) != 0) return kUnknown;
             const u32 low = ins.op == OP_BLOCK ? static_cast<u32>(ins.a) : static_cast<const u32*>(ins.d)[0];
             if (low < 128) return kUnknown;
             AddHigh(set);
@@ -204,7 +202,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
     const int len = static_cast<int>(end - pos);
     switch (f.mode) {
         case StartFilter::kByte: {
-            if (f.byte >= 128 && format == 1) break;
+            if (f.byte >= 128 && format == kFormatUtf8) break;
             const int i = FindLiteral(pos, len, &f.byte, 1, false);
             return i < 0 ? nullptr : pos + i;
         }
@@ -213,7 +211,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             return i < 0 ? nullptr : pos + i;
         }
         case StartFilter::kLiteral: {
-            if (f.literal[0] >= 128 && format == 1) break;  // the byte scan keeps to character starts
+            if (f.literal[0] >= 128 && format == kFormatUtf8) break;  // the byte scan keeps to character starts
             const int i = FindLiteral(pos, len, f.literal, f.literalLength, f.caseless != 0);
             return i < 0 ? nullptr : pos + i;
         }
@@ -234,7 +232,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
         }
         default: break;
     }
-    for (; pos < end; pos += format == 1 ? CharLength(pos, end) : 1)
+    for (; pos < end; pos += format == kFormatUtf8 ? CharLength(pos, end) : 1)
         if (f.set.Has(*pos)) return pos;
     return nullptr;
 }

@@ -26,7 +26,6 @@ constexpr u8 KindOf(int c) {
 }
 
 VKP_INLINE bool IsWordByte(u8 c) { return (kByteKinds[c] & kKindWord) != 0; }
-VKP_INLINE bool IsAsciiLetter(u8 c) { return static_cast<u8>((c | 0x20) - 'a') < 26; }
 
 // A literal byte against a subject byte: equal, or under ignore-case an
 // ASCII letter that differs in bit 0x20 only.

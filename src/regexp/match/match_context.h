@@ -72,13 +72,6 @@ struct MatchContext {
     const struct ClassBits* classBits;  // kClassSlots slots, or null
 };
 
-enum : u32 {
-    kOptDotAll = 1,
-    kOptMultiline = 2,
-    kOptIgnoreCase = 4,
-    kOptGlobal = 16,
-};
-
 VKP_INLINE bool IsRepeat(const Instruction* ip) {
     return ip->op == OP_GREEDY_REPEAT || ip->op == OP_LAZY_REPEAT;
 }
@@ -109,9 +102,15 @@ VKP_INLINE const Instruction* KetOf(const MatchContext* ctx, int link) {
 // Runs the program from ip at pos.
 int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget);
 
-// Tries the program at successive start positions of subject[0, length).
-// anchorMode 0: every position (the end included); 1: the start and every
-// position after a line feed; 2: the start only. firstAlternative is the
+// Where MatchStart tries the program.
+enum AnchorMode : int {
+    kAnchorAnywhere = 0,       // every position, the end included
+    kAnchorLineStarts = 1,     // the start and every position after a line feed
+    kAnchorSubjectStart = 2,   // the start only
+};
+
+// Tries the program at successive start positions of subject[0, length),
+// as anchorMode allows. firstAlternative is the
 // index from which the next top-level alternative is looked for. On success
 // record 0 holds the match.
 int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode, int firstAlternative);

@@ -19,7 +19,7 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
     const u32 options = ctx->options;
     const Instruction* const altFloor = ctx->program + firstAlternative;
     ctx->recordsDirty = 1;
-    const StartFilter* filter = anchorMode == 0 ? ctx->startFilter : nullptr;
+    const StartFilter* filter = anchorMode == kAnchorAnywhere ? ctx->startFilter : nullptr;
     for (;;) {
         if (filter && !(pos = NextCandidate(*filter, pos, end, ctx->format))) break;
         if (ctx->recordsDirty) {
@@ -39,20 +39,20 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode,
             ctx->options = static_cast<u32>(bar->b);
             alt = bar + 1;
         }
-        if (anchorMode == 2 || pos >= end) break;
+        if (anchorMode == kAnchorSubjectStart || pos >= end) break;
         // A leading run that ended at leadRunEnd failed: so do the starts
         // inside it (see analysis.cpp).
         if (ctx->leadRunEnd > pos) {
             pos = ctx->leadRunEnd;
             continue;
         }
-        if (anchorMode == 1) {
+        if (anchorMode == kAnchorLineStarts) {
             const u8* nl = static_cast<const u8*>(memchr(pos, '\n', end - pos));
             if (!nl) break;
             pos = nl + 1;
             continue;
         }
-        pos += ctx->format == 1 ? CharLength(pos, end) : 1;
+        pos += ctx->format == kFormatUtf8 ? CharLength(pos, end) : 1;
     }
     ctx->options = options;
     return 1;
