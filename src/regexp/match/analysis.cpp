@@ -264,6 +264,9 @@ const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept) {
     local->groupCount = state->groupCount;
     local->lastLiteralIndex = state->lastLiteralIndex;
     local->patternKind = state->patternKind;
+    local->strategy = local->literalsOnly                                 ? Strategy::kLiterals
+                      : state->patternKind == kKindLeadingLiteral ? Strategy::kLeadingLiteral
+                                                                          : Strategy::kMatcher;
     if ((highest + 1) * static_cast<int>(sizeof(GroupEntry)) > kAnalysisOffset) {
         *kept = false;
         return local;

@@ -13,6 +13,16 @@
 
 namespace vkp::regexp {
 
+// How the find driver searches for a pattern, chosen once with the rest of
+// the analysis. Each names the first step the search takes; the later
+// steps (the cut behind the last literal, the required byte, the matcher)
+// apply wherever the pattern gives them something to work with.
+enum class Strategy : u8 {
+    kMatcher,         // the matcher from each start the start filter lets through
+    kLeadingLiteral,  // the matcher from the first occurrence of the literal every match begins with
+    kLiterals,        // one literal, or literals between top-level bars: the literal search alone
+};
+
 struct Analysis {
     u32 stamp;             // kAnalysisStamp when the rest is valid
     u32 options;           // the header words it was worked out for
@@ -20,6 +30,7 @@ struct Analysis {
     int groupCount;
     int lastLiteralIndex;
     int patternKind;
+    Strategy strategy;
     int anchorMode;        // as MatchStart takes it
     int firstAlternative;  // where MatchStart looks for the next top-level bar
     int requiredByte;      // a byte every match holds, or -1

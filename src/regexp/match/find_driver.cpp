@@ -60,15 +60,13 @@ int LeftmostLiteral(const Instruction* program, int count, const u8* s, int len,
     return best;
 }
 
-// A program of literals alone (analysis.h): their occurrences, leftmost
-// first and not overlapping, are its matches, found by the literal search
-// alone. Under format 1 a literal that begins with a continuation byte is
-// left to the matcher, which starts only at character boundaries; any
-// other first byte always starts one.
-bool LiteralsOnly(const RegExpState* state, const Analysis& an) {
-    return an.literalsOnly && (state->format == kFormatBytes || !an.literalContinuationLed);
+Status NoMatch(int* numMatches) {
+    *numMatches = 0;
+    return kOk;
 }
 
+// The literal search alone: the leftmost occurrence of any literal, and in
+// a global search the next ones, not overlapping.
 Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches) {
     const Instruction* program = ProgramOf(state);
     const bool caseless = (state->options & kOptIgnoreCase) != 0;
@@ -87,154 +85,164 @@ Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, RegExpFind*
     return kOk;
 }
 
-Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
-              int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
-    if (LiteralsOnly(state, an)) return SearchLiterals(src, srcLen, state, matches, numMatches);
+// Whether the literal search serves a literals-only program in this search.
+// Under format 1 a literal that begins with a continuation byte could be
+// found inside a character, where the matcher never starts; a single search
+// of an alternation of literals still takes the leftmost occurrence.
+bool LiteralSearchServes(const RegExpState* state, const Analysis& an) {
+    if (state->format == kFormatBytes || !an.literalContinuationLed) return true;
+    return state->patternKind == kKindLiteralAlternation && !(state->options & kOptGlobal);
+}
+
+// The part of the subject a search looks at: [start, start + length), with
+// anchors still seeing the subject start.
+struct Window {
+    const u8* start;
+    int length;
+};
+
+// Nothing of a match can lie beyond the last occurrence of the last literal
+// when only repeat records follow it. (Behind a top-level bar the compiler
+// reports one only for a repeated literal after another repeat; the cut
+// then applies as it does everywhere.)
+void CutBehindLastLiteral(const RegExpState* state, Window* w) {
+    const int at = state->lastLiteralIndex;
+    if (at < 0 || at >= state->instructionCount) return;
+    const Instruction& ins = ProgramOf(state)[at];
+    const Literal lit = LiteralOf(ins);
+    if (lit.length == 0) return;
+    const int i = FindLiteralRev(w->start, w->length, lit.bytes, lit.length, (ins.c & kOptIgnoreCase) != 0);
+    w->length = i < 0 ? 0 : i + lit.length;
+}
+
+// A leading literal: the window starts at its first occurrence, also when a
+// lazy repeat makes it optional (kind 1 says so). When it does not occur the
+// whole window is searched, unless every match begins with it: false then.
+bool StartAtLeadingLiteral(const RegExpState* state, const Analysis& an, Window* w) {
+    if (state->patternKind != kKindLeadingLiteral || state->instructionCount == 0) return true;
+    const Instruction& first = ProgramOf(state)[0];
+    const Literal lit = LiteralOf(first);
+    if (lit.length == 0) return true;
+    const bool caseless = (first.c & kOptIgnoreCase) != 0;
+    const int i = FindLiteral(w->start, w->length, lit.bytes, lit.length, caseless);
+    if (i > 0) {
+        w->start += i;
+        w->length -= i;
+    }
+    return !(i < 0 && an.leadLiteral && (caseless || !(state->options & kOptIgnoreCase)));
+}
+
+// A byte every match holds. When the start filter searches for it, what the
+// filter searches for (a literal every match holds, which begins with that
+// byte) is tested instead, on a short subject only: one scan of a line is
+// cheaper than setting up the matcher for a line without it.
+bool RequiredBytePresent(const Analysis& an, const Window& w, const u8** required) {
+    if (an.requiredByFilter) return w.length > kShortSubject || FilterTargetAhead(an.filter, w.start, w.length);
+    return RequiredByteAhead(an, w.start, w.start + w.length, required);
+}
+
+void SetUpContext(RegExpState* state, const Analysis& an, const u8* src, const Window& w, const char* stackFloor,
+                  Memo* memo, MatchContext* ctx) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
-    const u32 options = state->options;
-    const int groups = state->groupCount;
-    int effLen = srcLen;
+    ctx->startFilter = an.filter.mode == StartFilter::kNone ? nullptr : &an.filter;
+    ctx->possessive = an.anyPossessive ? an.possessive : nullptr;
+    ctx->leadRepeat = an.leadRepeat >= 0 ? program + an.leadRepeat : nullptr;
+    ctx->leadRunEnd = nullptr;
+    ctx->classBits = an.anyClass ? an.classes : nullptr;
+    ctx->end = program + count;
+    ctx->options = state->options;
+    ctx->notEmpty = 0;
+    ctx->recordCount = state->groupCount;
+    ctx->format = state->format;
+    ctx->budget = state->matchLimit;
+    ctx->recordsDirty = 1;
+    ctx->program = program;
+    ctx->programEnd = program + count;
+    ctx->subjectStart = src;
+    ctx->subjectEnd = w.start + w.length;
+    ctx->attemptStart = w.start;
+    ctx->matchEnd = w.start;
+    ctx->mustEndAt = nullptr;
+    ctx->records = RecordsOf(state);
+    ctx->groups = reinterpret_cast<GroupEntry*>(state->workArea);
+    ctx->stackFloor = stackFloor ? stackFloor : ThreadStackFloor();
+    ctx->stackExhausted = 0;
+    BoundsInit(ctx, memo, w.length, count, state->matchLimit);
+}
 
-    // 1. Nothing of a match can lie beyond the last occurrence of the last
-    // literal when only repeat records follow it. (Behind a top-level bar
-    // the compiler reports one only for a repeated literal after another
-    // repeat; the cut then applies as it does everywhere.)
-    if (state->lastLiteralIndex >= 0 && state->lastLiteralIndex < count) {
-        const Instruction& ins = program[state->lastLiteralIndex];
-        const Literal lit = LiteralOf(ins);
-        if (lit.length > 0) {
-            const int i = FindLiteralRev(src, effLen, lit.bytes, lit.length, (ins.c & kOptIgnoreCase) != 0);
-            effLen = i < 0 ? 0 : i + lit.length;
-        }
-    }
+// The status of a search that found nothing.
+Status NothingFound(const MatchContext& ctx, int* numMatches) {
+    if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
+    if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
+    return NoMatch(numMatches);
+}
 
-    // 2. An alternation of literals: the leftmost occurrence of any, the
-    // earliest alternative among those at the same index.
-    if (state->patternKind == kKindLiteralAlternation && !(options & kOptGlobal) && an.literalsOnly) {
-        int length = 0;
-        const int best = LeftmostLiteral(program, count, src, effLen, (options & kOptIgnoreCase) != 0, &length);
-        if (best < 0) {
-            *numMatches = 0;
-            return kOk;
-        }
-        matches[0] = {src + best, length};
-        *numMatches = 1;
-        return kOk;
-    }
+// One match: its records, as many as the array takes.
+Status MatchOnce(MatchContext* ctx, const Analysis& an, const Window& w, RegExpFind* matches, int* numMatches) {
+    if (MatchStart(w.start, w.length, ctx, an.anchorMode, an.firstAlternative) != 0)
+        return NothingFound(*ctx, numMatches);
+    const int groups = ctx->recordCount;
+    const int n = *numMatches < groups ? *numMatches : groups;
+    for (int k = 0; k < n; ++k) matches[k] = ctx->records[k];
+    *numMatches = n;
+    return n < groups ? VKP_WARN_FEW_RECORDS : kOk;
+}
 
-    // 3. A leading literal: start at its first occurrence, also when a lazy
-    // repeat makes it optional (kind 1 says so); when the literal does not
-    // occur the full search runs, unless every match begins with it.
-    const u8* start = src;
-    if (state->patternKind == kKindLeadingLiteral && count > 0) {
-        const Literal lit = LiteralOf(program[0]);
-        if (lit.length > 0) {
-            const bool caseless = (program[0].c & kOptIgnoreCase) != 0;
-            const int i = FindLiteral(src, effLen, lit.bytes, lit.length, caseless);
-            if (i > 0) {
-                start = src + i;
-                effLen -= i;
-            } else if (i < 0 && an.leadLiteral && (caseless || !(options & kOptIgnoreCase))) {
-                *numMatches = 0;
-                return kOk;
-            }
-        }
-    }
-
-    // 4. A byte every match holds. When the start filter searches for it,
-    // what the filter searches for (a literal every match holds, which
-    // begins with that byte) is tested instead, on a short subject only:
-    // one scan of a line is cheaper than setting up the matcher for a line
-    // without it.
-    const u8* required = nullptr;
-    if (an.requiredByFilter ? effLen <= kShortSubject && !FilterTargetAhead(an.filter, start, effLen)
-                            : !RequiredByteAhead(an, start, start + effLen, &required)) {
-        *numMatches = 0;
-        return kOk;
-    }
-
-    // 5. The context.
-    const int anchorMode = an.anchorMode;
-    const int firstAlternative = an.firstAlternative;
-    MatchContext ctx;
-    ctx.startFilter = an.filter.mode == StartFilter::kNone ? nullptr : &an.filter;
-    ctx.possessive = an.anyPossessive ? an.possessive : nullptr;
-    ctx.leadRepeat = an.leadRepeat >= 0 ? program + an.leadRepeat : nullptr;
-    ctx.leadRunEnd = nullptr;
-    ctx.classBits = an.anyClass ? an.classes : nullptr;
-    ctx.end = program + count;
-    ctx.options = options;
-    ctx.notEmpty = 0;
-    ctx.recordCount = groups;
-    ctx.format = state->format;
-    ctx.budget = state->matchLimit;
-    ctx.recordsDirty = 1;
-    ctx.program = program;
-    ctx.programEnd = program + count;
-    ctx.subjectStart = src;
-    ctx.subjectEnd = start + effLen;
-    ctx.attemptStart = start;
-    ctx.matchEnd = start;
-    ctx.mustEndAt = nullptr;
-    ctx.records = RecordsOf(state);
-    ctx.groups = reinterpret_cast<GroupEntry*>(state->workArea);
-    ctx.stackFloor = stackFloor ? stackFloor : ThreadStackFloor();
-    ctx.stackExhausted = 0;
-    BoundsInit(&ctx, memo, effLen, count, state->matchLimit);
-
-    // 6. Single search.
-    if (!(options & kOptGlobal)) {
-        if (MatchStart(start, effLen, &ctx, anchorMode, firstAlternative) != 0) {
-            if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
-            if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
-            *numMatches = 0;
-            return kOk;
-        }
-        const int n = *numMatches < groups ? *numMatches : groups;
-        for (int k = 0; k < n; ++k) matches[k] = ctx.records[k];
-        *numMatches = n;
-        return n < groups ? VKP_WARN_FEW_RECORDS : kOk;
-    }
-
-    // 7. Global search: record 0 per match when there is no group, else
-    // the groups. After an empty match, a non-empty match of one character
-    // (one byte under format 0) is tried at the same place before moving on
-    // by that character; an empty match at the very end stops the search.
+// Every match: record 0 per match when there is no group, else the groups
+// (allRecords: record 0 and the groups). After an empty match, a non-empty
+// match of one character (one byte under format 0) is tried at the same
+// place before moving on by that character; an empty match at the very end
+// stops the search.
+Status MatchAll(MatchContext* ctx, const Analysis& an, const Window& w, const u8* required, bool allRecords,
+                RegExpFind* matches, int* numMatches) {
+    const int groups = ctx->recordCount;
     const int firstRecord = groups > 1 && !allRecords ? 1 : 0;
     const int perMatch = groups > 1 && !allRecords ? groups - 1 : groups;
     const int cap = *numMatches;
     int written = 0;
-    const u8* pos = start;
-    const u8* const end = start + effLen;
+    const u8* pos = w.start;
+    const u8* const end = w.start + w.length;
     while (written < cap) {
         if (!an.requiredByFilter && !RequiredByteAhead(an, pos, end, &required)) break;
-        ctx.notEmpty = 0;
-        if (MatchStart(pos, static_cast<int>(end - pos), &ctx, anchorMode, firstAlternative) != 0) break;
-        Append(ctx.records, firstRecord, perMatch, matches, cap, &written);
-        const u8* matchStart = ctx.records[0].pMatch;
-        const int matchLen = ctx.records[0].matchLen;
+        ctx->notEmpty = 0;
+        if (MatchStart(pos, static_cast<int>(end - pos), ctx, an.anchorMode, an.firstAlternative) != 0) break;
+        Append(ctx->records, firstRecord, perMatch, matches, cap, &written);
+        const u8* matchStart = ctx->records[0].pMatch;
+        const int matchLen = ctx->records[0].matchLen;
         if (matchLen > 0) {
             pos = matchStart + matchLen;
             continue;
         }
         if (matchStart >= end) break;
-        const int step = ctx.format == kFormatUtf8 ? CharLength(matchStart, end) : 1;
+        const int step = ctx->format == kFormatUtf8 ? CharLength(matchStart, end) : 1;
         if (written < cap) {
-            ctx.notEmpty = 1;
-            if (MatchStart(matchStart, step, &ctx, 2, firstAlternative) == 0)
-                Append(ctx.records, firstRecord, perMatch, matches, cap, &written);
+            ctx->notEmpty = 1;
+            if (MatchStart(matchStart, step, ctx, kAnchorSubjectStart, an.firstAlternative) == 0)
+                Append(ctx->records, firstRecord, perMatch, matches, cap, &written);
         }
         pos = matchStart + step;
     }
-    if (StepLimitHit(&ctx)) return BoundsStatus(&ctx);
-    if (written == 0) {
-        if (ctx.stackExhausted) return VKP_ERR_MATCH_LIMIT;
-        *numMatches = 0;
-        return kOk;
-    }
+    if (written == 0) return NothingFound(*ctx, numMatches);
+    if (StepLimitHit(ctx)) return BoundsStatus(ctx);
     *numMatches = written;
     return written >= perMatch ? kOk : VKP_WARN_FEW_RECORDS;
+}
+
+// The search, by the strategy the analysis chose for the pattern.
+Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
+              int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
+    if (an.strategy == Strategy::kLiterals && LiteralSearchServes(state, an))
+        return SearchLiterals(src, srcLen, state, matches, numMatches);
+    Window w{src, srcLen};
+    CutBehindLastLiteral(state, &w);
+    if (an.strategy != Strategy::kMatcher && !StartAtLeadingLiteral(state, an, &w)) return NoMatch(numMatches);
+    const u8* required = nullptr;
+    if (!RequiredBytePresent(an, w, &required)) return NoMatch(numMatches);
+    MatchContext ctx;
+    SetUpContext(state, an, src, w, stackFloor, memo, &ctx);
+    if (!(state->options & kOptGlobal)) return MatchOnce(&ctx, an, w, matches, numMatches);
+    return MatchAll(&ctx, an, w, required, allRecords, matches, numMatches);
 }
 
 }  // namespace
