@@ -1,0 +1,192 @@
+// Compiling a literal set into caller memory, and the table form's scan.
+#include "kernels/literal_set.h"
+
+namespace vkp::kernels {
+
+namespace {
+
+constexpr size_t Align8(size_t n) { return (n + 7) & ~size_t(7); }
+
+// Chain heads of the table form: a power of two, at least twice the count.
+u32 HeadCount(int count) {
+    u32 n = 16;
+    while (n < 2 * u32(count)) n *= 2;
+    return n;
+}
+
+VKP_INLINE u8 FoldByte(u8 c) { return u8(c - 'A') < 26 ? u8(c | 0x20) : c; }
+
+// The four bytes at p with A to Z turned into a to z, all at once: a byte
+// below 0x80 gets its top bit set by adding 0x3F when it is at least 'A',
+// and by adding 0x25 when it is above 'Z'.
+VKP_INLINE u32 Fold4(u32 x) {
+    const u32 t = x & 0x7F7F7F7Fu;
+    const u32 upper = (t + 0x3F3F3F3Fu) & ~(t + 0x25252525u) & ~x & 0x80808080u;
+    return x | (upper >> 2);
+}
+
+VKP_INLINE u32 Hash4(u32 x) { return (x * 0x9E3779B1u) >> 16; }
+
+// The chain of a key of one kind (1, 2 or 4 bytes).
+VKP_INLINE u32 ChainOf(u32 key, u32 kind, u32 mask) { return ((key + kind * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
+
+// The key kind of a literal of length n, and its key (the folded bytes).
+VKP_INLINE u32 KindOf(u32 n) { return n >= 4 ? LiteralSet::kKey4 : n >= 2 ? LiteralSet::kKey2 : LiteralSet::kKey1; }
+
+VKP_INLINE u32 KeyOf(u32 x, u32 kind) {
+    return kind == LiteralSet::kKey4 ? x : kind == LiteralSet::kKey2 ? (x & 0xFFFF) : (x & 0xFF);
+}
+
+VKP_INLINE u32 FilterBit(u32 key, u32 kind) { return kind == LiteralSet::kKey4 ? Hash4(key) : key; }
+
+VKP_INLINE bool TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1; }
+
+// Order of two entries by their first `prefix` (folded) bytes.
+bool PrefixBefore(const LiteralSet* set, const LiteralEntry& a, const LiteralEntry& b, int prefix) {
+    for (int k = 0; k < prefix; ++k) {
+        const u8 x = set->At(a.offset)[k], y = set->At(b.offset)[k];
+        if (x != y) return x < y;
+    }
+    return a.index < b.index;
+}
+
+// The bucket form: entries sorted by prefix and cut into eight runs of
+// neighbours (literals sharing leading bytes share a bucket, which keeps its
+// nibble sets small), each run then put in index order.
+void BuildBuckets(LiteralSet* set, LiteralEntry* e, int count) {
+    const int prefix = set->minLen < 3 ? int(set->minLen) : 3;
+    set->prefix = u8(prefix);
+    for (int i = 1; i < count; ++i)
+        for (int j = i; j > 0 && PrefixBefore(set, e[j], e[j - 1], prefix); --j) {
+            const LiteralEntry t = e[j];
+            e[j] = e[j - 1], e[j - 1] = t;
+        }
+    const int per = (count + LiteralSet::kBuckets - 1) / LiteralSet::kBuckets;
+    for (int b = 0; b <= LiteralSet::kBuckets; ++b) set->bucketFirst[b] = u16(b * per < count ? b * per : count);
+    for (int b = 0; b < LiteralSet::kBuckets; ++b) {
+        LiteralEntry* first = e + set->bucketFirst[b];
+        const int n = set->bucketFirst[b + 1] - set->bucketFirst[b];
+        for (int i = 1; i < n; ++i)
+            for (int j = i; j > 0 && first[j].index < first[j - 1].index; --j) {
+                const LiteralEntry t = first[j];
+                first[j] = first[j - 1], first[j - 1] = t;
+            }
+        for (int i = 0; i < n; ++i) {
+            const u8* f = set->At(first[i].offset);
+            for (int k = 0; k < prefix; ++k) {
+                const u8 c = f[k], bit = u8(1u << b);
+                set->lo[k][c & 15] |= bit;
+                set->hi[k][c >> 4] |= bit;
+                if (set->folded && u8(c - 'a') < 26) set->hi[k][(c ^ 0x20) >> 4] |= bit;
+            }
+        }
+    }
+}
+
+// The table form: every literal on the chain of its key, chains in index
+// order, and its key's bit in the filter of its kind.
+void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at) {
+    const u32 heads = HeadCount(count);
+    set->table = 1;
+    set->headsOff = u32(at);
+    set->headMask = heads - 1;
+    set->filtersOff = u32(at + 4 * size_t(heads));
+    u32* head = reinterpret_cast<u32*>(mem + set->headsOff);
+    u8* filters = mem + set->filtersOff;
+    for (u32 h = 0; h < heads; ++h) head[h] = LiteralSet::kNoEntry;
+    for (u32 i = 0; i < LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes + LiteralSet::kFilter4Bytes; ++i)
+        filters[i] = 0;
+    u8* filter[3] = {filters, filters + LiteralSet::kFilter1Bytes,
+                     filters + LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes};
+    for (int i = count - 1; i >= 0; --i) {
+        u32 x = 0;
+        const u32 n = e[i].len < 4 ? e[i].len : 4;
+        __builtin_memcpy(&x, set->At(e[i].offset), n);
+        const u32 kind = KindOf(e[i].len), key = KeyOf(x, kind);
+        const u32 h = ChainOf(key, kind, set->headMask);
+        e[i].next = head[h];
+        head[h] = u32(i);
+        set->keyKinds |= u8(kind);
+        const u32 bit = FilterBit(key, kind);
+        filter[kind >> 1][bit >> 3] |= u8(1u << (bit & 7));
+    }
+}
+
+}  // namespace
+
+size_t LiteralSetBytes(int count, size_t totalBytes) {
+    if (count < 1 || count > kMaxLiterals) return 0;
+    size_t n = Align8(sizeof(LiteralSet)) + sizeof(LiteralEntry) * size_t(count) + Align8(totalBytes);
+    if (count > kMaxBucketLiterals)
+        n += 4 * size_t(HeadCount(count)) + LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes +
+             LiteralSet::kFilter4Bytes;
+    return n;
+}
+
+bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool folded, void* mem, size_t memBytes) {
+    if (!lits || !lens || !mem || (reinterpret_cast<uintptr_t>(mem) & 7) || count < 1 || count > kMaxLiterals)
+        return false;
+    size_t total = 0;
+    u32 minLen = ~0u;
+    for (int i = 0; i < count; ++i) {
+        if (lens[i] < 1 || !lits[i]) return false;
+        total += size_t(lens[i]);
+        if (u32(lens[i]) < minLen) minLen = u32(lens[i]);
+    }
+    const size_t need = LiteralSetBytes(count, total);
+    if (need > memBytes || need > 0xFFFFFFFFu) return false;
+    u8* base = static_cast<u8*>(mem);
+    LiteralSet* set = static_cast<LiteralSet*>(mem);
+    for (size_t i = 0; i < sizeof(LiteralSet); ++i) base[i] = 0;
+    set->count = u32(count);
+    set->minLen = minLen;
+    set->folded = folded;
+    set->entriesOff = u32(Align8(sizeof(LiteralSet)));
+    LiteralEntry* e = reinterpret_cast<LiteralEntry*>(base + set->entriesOff);
+    size_t at = set->entriesOff + sizeof(LiteralEntry) * size_t(count);
+    for (int i = 0; i < count; ++i) {
+        e[i] = {u32(at), u32(lens[i]), u32(i), LiteralSet::kNoEntry};
+        for (int k = 0; k < lens[i]; ++k) base[at + size_t(k)] = folded ? FoldByte(lits[i][k]) : lits[i][k];
+        at += size_t(lens[i]);
+    }
+    at = Align8(at);
+    if (count > kMaxBucketLiterals) BuildTable(set, e, count, base, at);
+    else BuildBuckets(set, e, count);
+    set->bytes = u32(need);
+    return true;
+}
+
+int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
+    const LiteralEntry* e = set->Entries();
+    const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
+    const u8* f1 = set->At(set->filtersOff);
+    const u8* f2 = f1 + LiteralSet::kFilter1Bytes;
+    const u8* f4 = f2 + LiteralSet::kFilter2Bytes;
+    const u32 kinds = set->keyKinds, mask = set->headMask;
+    const bool folded = set->folded;
+    const int lastPos = len - int(set->minLen);
+    // The lowest index on the chain of (key, kind) that stands at p, below best.
+    auto chain = [&](int p, u32 key, u32 kind, u32 best) {
+        for (u32 i = head[ChainOf(key, kind, mask)]; i != LiteralSet::kNoEntry && e[i].index < best; i = e[i].next)
+            if (literal_detail::EntryAt(s, len, p, set, e[i])) return e[i].index;
+        return best;
+    };
+    for (int p = 0; p <= lastPos; ++p) {
+        u32 x = 0;
+        if (len - p >= 4) __builtin_memcpy(&x, s + p, 4);
+        else  // the bytes past the end read as zero: a literal that fits ends before them
+            for (int k = 0; k < len - p; ++k) x |= u32(s[p + k]) << (8 * k);
+        if (folded) x = Fold4(x);
+        u32 best = LiteralSet::kNoEntry;
+        if ((kinds & LiteralSet::kKey4) && TestBit(f4, Hash4(x))) best = chain(p, x, LiteralSet::kKey4, best);
+        if ((kinds & LiteralSet::kKey2) && TestBit(f2, x & 0xFFFF)) best = chain(p, x & 0xFFFF, LiteralSet::kKey2, best);
+        if ((kinds & LiteralSet::kKey1) && TestBit(f1, x & 0xFF)) best = chain(p, x & 0xFF, LiteralSet::kKey1, best);
+        if (best != LiteralSet::kNoEntry) {
+            *which = int(best);
+            return p;
+        }
+    }
+    return -1;
+}
+
+}  // namespace vkp::kernels

@@ -1,0 +1,229 @@
+// Many literals searched in one pass: the leftmost position in a subject
+// where any literal of a set starts, and which literal.
+//
+// A set is compiled once (BuildLiteralSet) into caller memory of at most
+// LiteralSetBytes(count, total bytes) bytes; the search reads it and writes
+// nothing. Two forms, chosen by the number of literals:
+// - up to kMaxBucketLiterals: eight buckets of literals, each position
+//   filtered on the first one to three bytes (as many as the shortest literal
+//   has) by nibble-table lookups, a vector of positions at a time; a position
+//   that passes is verified against the literals of the buckets it passed for.
+// - more: a table of the literals keyed on their first four bytes (hashed),
+//   or first two or first byte for shorter literals, with a bit filter for
+//   each key kind in front of it; one position at a time.
+// Caseless sets (folded) take a to z and A to Z as equal; other bytes,
+// 0x80 to 0xFF included, compare exactly. Nothing outside [s, s + len) is read.
+//
+// Result: the leftmost start position; among the literals that start there,
+// the one given first (lowest index), which is what a backtracking matcher
+// gives for an alternation of the literals in that order. A caller that wants
+// the longest at a position passes the literals longest first.
+//
+// How the matcher is meant to call it:
+// - An alternation of literals (anywhere a literal-only alternation decides
+//   where a match can start: top level, or the pattern's first item) compiles
+//   its alternatives, in order, into the pattern's work area at compile time;
+//   the find driver calls active::FindLiterals(s + from, len - from, set, &k)
+//   and starts the matcher at the position found (or stops at -1). When the
+//   whole pattern is the alternation, the position and literal k are the match.
+// - A caseless single literal uses FindSubRareFwd (kernels/rare_byte_search.h)
+//   with the offsets chosen once by RareProbeOffsets; a literal behind a
+//   leading class run or at a bounded distance into the match is searched the
+//   same way and the matcher started at the positions that can reach it.
+// - A pattern set keeps each pattern's required literals; the set compiles
+//   all of them into one literal set (literal index -> pattern), finds the
+//   first hit, and runs only the patterns whose literal occurs at or after
+//   the position searched; a second call from hit + 1 continues.
+// - Runs of a class of at least N bytes: FindMemberRun (kernels/class_runs.h).
+#pragma once
+
+#include "frame/base.h"
+
+namespace vkp::kernels {
+
+// One literal of a compiled set: its bytes (folded to lower case in a
+// caseless set) at `offset` from the set's start, its length, its index in
+// the order given, and (table form) the next literal of its key chain.
+struct LiteralEntry {
+    u32 offset, len, index, next;
+};
+
+// The compiled form, at the start of the caller's memory (8-byte aligned).
+struct LiteralSet {
+    static constexpr int kBuckets = 8;
+    u32 bytes;          // size of the whole compiled form
+    u32 count, minLen;  // literals, and the shortest one's length
+    u32 entriesOff;     // LiteralEntry[count]; in the bucket form by bucket
+    u8 table;           // 1: the keyed table form, 0: the bucket form
+    u8 folded;          // caseless
+    u8 prefix;          // bucket form: bytes filtered, 1 to 3
+    u8 keyKinds;        // table form: kKey1 | kKey2 | kKey4 for the lengths held
+    // Bucket form: byte c at prefix position k passes for bucket b when bit b
+    // is set in lo[k][c & 15] and in hi[k][c >> 4].
+    u8 lo[3][16], hi[3][16];
+    u16 bucketFirst[kBuckets + 1];  // bucket b holds entries [bucketFirst[b], bucketFirst[b + 1])
+    // Table form: chain heads (index of the first entry, kNoEntry if none)
+    // and the three bit filters, at these offsets.
+    u32 headsOff, headMask, filtersOff;
+
+    static constexpr u32 kNoEntry = 0xFFFFFFFFu;
+    static constexpr u8 kKey1 = 1, kKey2 = 2, kKey4 = 4;
+    // Bit filters of the table form: one byte (256 bits), two bytes (65536
+    // bits), and a 16-bit hash of four bytes (65536 bits).
+    static constexpr u32 kFilter1Bytes = 32, kFilter2Bytes = 8192, kFilter4Bytes = 8192;
+
+    const LiteralEntry* Entries() const {
+        return reinterpret_cast<const LiteralEntry*>(reinterpret_cast<const u8*>(this) + entriesOff);
+    }
+    const u8* At(u32 offset) const { return reinterpret_cast<const u8*>(this) + offset; }
+};
+
+// Sets of more literals than this take the table form.
+constexpr int kMaxBucketLiterals = 32;
+// The most literals a set holds.
+constexpr int kMaxLiterals = 1 << 20;
+
+// Bytes that the compiled form of `count` literals holding `totalBytes` bytes
+// together needs at most (0 when count is out of range).
+size_t LiteralSetBytes(int count, size_t totalBytes);
+
+// Compiles lits[0, count) (lengths lens[]) into mem (memBytes bytes, 8-byte
+// aligned). False, with nothing usable in mem, when count is out of range, a
+// literal is empty, or mem is too small or misaligned.
+bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool folded, void* mem, size_t memBytes);
+
+// The table form's scan (one position at a time, the same at every width).
+int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which);
+
+namespace literal_detail {
+
+// True when the literal e stands at s + p (it must end by s + len).
+VKP_INLINE bool EntryAt(const u8* s, int len, int p, const LiteralSet* set, const LiteralEntry& e) {
+    if (u32(len - p) < e.len) return false;
+    const u8* f = set->At(e.offset);
+    if (!set->folded) {
+        for (u32 i = 0; i < e.len; ++i)
+            if (s[p + i] != f[i]) return false;
+        return true;
+    }
+    for (u32 i = 0; i < e.len; ++i) {
+        const u8 x = s[p + i], y = f[i];  // y is folded: a to z for letters
+        if (x != y && ((x | 0x20) != y || u8(y - 'a') >= 26)) return false;
+    }
+    return true;
+}
+
+// The buckets that position p passes for, from the scalar tables.
+VKP_INLINE u32 BucketsAt(const u8* s, int p, const LiteralSet* set) {
+    u32 b = 0xFF;
+    for (int k = 0; k < set->prefix; ++k) {
+        const u8 c = s[p + k];
+        b &= set->lo[k][c & 15] & set->hi[k][c >> 4];
+    }
+    return b;
+}
+
+// The lowest index of a literal of the buckets `b` that stands at p, or -1.
+VKP_INLINE int VerifyBuckets(const u8* s, int len, int p, u32 b, const LiteralSet* set) {
+    const LiteralEntry* e = set->Entries();
+    u32 best = LiteralSet::kNoEntry;
+    while (b) {
+        const int k = __builtin_ctz(b);
+        b &= b - 1;
+        for (u32 i = set->bucketFirst[k]; i < set->bucketFirst[k + 1] && e[i].index < best; ++i)
+            if (EntryAt(s, len, p, set, e[i])) {
+                best = e[i].index;
+                break;
+            }
+    }
+    return best == LiteralSet::kNoEntry ? -1 : int(best);
+}
+
+// The bucket filter over one vector of positions: a mask of the positions
+// i .. i + kBytes - 1 that pass for some bucket (P prefix bytes).
+template <class V, int P>
+struct BucketFilter {
+    using Reg = typename V::Reg;
+    Reg lo[P], hi[P], low4;
+    explicit BucketFilter(const LiteralSet* set) : low4(V::Splat8(0x0F)) {
+        for (int k = 0; k < P; ++k) lo[k] = V::Table(set->lo[k]), hi[k] = V::Table(set->hi[k]);
+    }
+    VKP_INLINE uint32_t Hits(const u8* p) const {
+        Reg acc = Pass(V::LoadU(p), 0);
+        if constexpr (P > 1) acc = V::And(acc, Pass(V::LoadU(p + 1), 1));
+        if constexpr (P > 2) acc = V::And(acc, Pass(V::LoadU(p + 2), 2));
+        return V::ByteMask(V::Equal8(acc, V::Zero())) ^ V::kAllBytes;
+    }
+    VKP_INLINE Reg Pass(Reg x, int k) const {
+        return V::And(V::Lookup(lo[k], V::And(x, low4)), V::Lookup(hi[k], V::And(V::ShiftRight16(x, 4), low4)));
+    }
+};
+
+// The first verified position among the candidates `mask` of the block at
+// i, or -1 (positions past lastPos end the search: none can match).
+VKP_INLINE int VerifyBlock(const u8* s, int len, int i, uint32_t mask, int lastPos, const LiteralSet* set,
+                           int* which) {
+    while (mask) {
+        const int p = i + __builtin_ctz(mask);
+        if (p > lastPos) return -1;
+        const int k = VerifyBuckets(s, len, p, BucketsAt(s, p, set), set);
+        if (k >= 0) {
+            *which = k;
+            return p;
+        }
+        mask &= mask - 1;
+    }
+    return -1;
+}
+
+template <class V, int P>
+int ScanBuckets(const u8* s, int len, const LiteralSet* set, int* which) {
+    constexpr int B = V::kBytes;
+    const int lastPos = len - int(set->minLen);
+    if (len < B + P - 1) {
+        if constexpr (V::kHasNarrower) {
+            return ScanBuckets<typename V::Narrower, P>(s, len, set, which);
+        } else {
+            for (int p = 0; p <= lastPos; ++p) {
+                const u32 b = BucketsAt(s, p, set);
+                if (!b) continue;
+                const int k = VerifyBuckets(s, len, p, b, set);
+                if (k >= 0) {
+                    *which = k;
+                    return p;
+                }
+            }
+            return -1;
+        }
+    }
+    const BucketFilter<V, P> f(set);
+    int i = 0;
+    for (; i + B + P - 1 <= len; i += B) {
+        if (i > lastPos) return -1;
+        if (const uint32_t m = f.Hits(s + i)) {
+            const int p = VerifyBlock(s, len, i, m, lastPos, set, which);
+            if (p >= 0) return p;
+        }
+    }
+    if (i > lastPos) return -1;
+    // The last positions, in one block flush with the end.
+    const int j = len - B - (P - 1);
+    const uint32_t m = f.Hits(s + j) & uint32_t(~0ull << (i - j));
+    return VerifyBlock(s, len, j, m, lastPos, set, which);
+}
+
+}  // namespace literal_detail
+
+// The leftmost position of a literal of `set` in s[0, len), or -1; the
+// literal's index through which when found. The form in the width list.
+template <class V>
+int FindLiterals(const u8* s, int len, const LiteralSet* set, int* which) {
+    if (set->table) return FindLiteralsTable(s, len, set, which);
+    switch (set->prefix) {
+    case 1: return literal_detail::ScanBuckets<V, 1>(s, len, set, which);
+    case 2: return literal_detail::ScanBuckets<V, 2>(s, len, set, which);
+    default: return literal_detail::ScanBuckets<V, 3>(s, len, set, which);
+    }
+}
+
+}  // namespace vkp::kernels
