@@ -25,19 +25,12 @@ VKP_INLINE u32 Fold4(u32 x) {
     return x | (upper >> 2);
 }
 
-VKP_INLINE u32 Hash4(u32 x) { return (x * 0x9E3779B1u) >> 16; }
-
-// The chain of a key of one kind (1, 2 or 4 bytes).
-VKP_INLINE u32 ChainOf(u32 key, u32 kind, u32 mask) { return ((key + kind * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
-
-// The key kind of a literal of length n, and its key (the folded bytes).
-VKP_INLINE u32 KindOf(u32 n) { return n >= 4 ? LiteralSet::kKey4 : n >= 2 ? LiteralSet::kKey2 : LiteralSet::kKey1; }
-
-VKP_INLINE u32 KeyOf(u32 x, u32 kind) {
-    return kind == LiteralSet::kKey4 ? x : kind == LiteralSet::kKey2 ? (x & 0xFFFF) : (x & 0xFF);
-}
-
-VKP_INLINE u32 FilterBit(u32 key, u32 kind) { return kind == LiteralSet::kKey4 ? Hash4(key) : key; }
+// A literal's key: its first four bytes, or all of a shorter one; k is the
+// key length. The filter bit: the key itself for one and two bytes, a hash
+// for more; the chain: another hash.
+VKP_INLINE u32 KeyOf(u32 x, int k) { return k == 4 ? x : x & ((1u << (8 * k)) - 1); }
+VKP_INLINE u32 FilterBit(u32 key, int k) { return k <= 2 ? key : (key * 0x9E3779B1u) >> 16; }
+VKP_INLINE u32 ChainOf(u32 key, int k, u32 mask) { return ((key + u32(k) * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
 
 VKP_INLINE bool TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1; }
 
@@ -94,21 +87,16 @@ void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at)
     u32* head = reinterpret_cast<u32*>(mem + set->headsOff);
     u8* filters = mem + set->filtersOff;
     for (u32 h = 0; h < heads; ++h) head[h] = LiteralSet::kNoEntry;
-    for (u32 i = 0; i < LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes + LiteralSet::kFilter4Bytes; ++i)
-        filters[i] = 0;
-    u8* filter[3] = {filters, filters + LiteralSet::kFilter1Bytes,
-                     filters + LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes};
+    for (u32 i = 0; i < LiteralSet::kFilterBytes; ++i) filters[i] = 0;
     for (int i = count - 1; i >= 0; --i) {
+        const int k = e[i].len < 4 ? int(e[i].len) : 4;
         u32 x = 0;
-        const u32 n = e[i].len < 4 ? e[i].len : 4;
-        __builtin_memcpy(&x, set->At(e[i].offset), n);
-        const u32 kind = KindOf(e[i].len), key = KeyOf(x, kind);
-        const u32 h = ChainOf(key, kind, set->headMask);
+        for (int j = 0; j < k; ++j) x |= u32(set->At(e[i].offset)[j]) << (8 * j);
+        const u32 h = ChainOf(x, k, set->headMask), bit = FilterBit(x, k);
         e[i].next = head[h];
         head[h] = u32(i);
-        set->keyKinds |= u8(kind);
-        const u32 bit = FilterBit(key, kind);
-        filter[kind >> 1][bit >> 3] |= u8(1u << (bit & 7));
+        set->keyKinds |= u8(1u << (k - 1));
+        filters[LiteralSet::kFilterOffset[k - 1] + (bit >> 3)] |= u8(1u << (bit & 7));
     }
 }
 
@@ -118,8 +106,7 @@ size_t LiteralSetBytes(int count, size_t totalBytes) {
     if (count < 1 || count > kMaxLiterals) return 0;
     size_t n = Align8(sizeof(LiteralSet)) + sizeof(LiteralEntry) * size_t(count) + Align8(totalBytes);
     if (count > kMaxBucketLiterals)
-        n += 4 * size_t(HeadCount(count)) + LiteralSet::kFilter1Bytes + LiteralSet::kFilter2Bytes +
-             LiteralSet::kFilter4Bytes;
+        n += 4 * size_t(HeadCount(count)) + LiteralSet::kFilterBytes;
     return n;
 }
 
@@ -159,15 +146,16 @@ bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool fol
 int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
     const LiteralEntry* e = set->Entries();
     const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
-    const u8* f1 = set->At(set->filtersOff);
-    const u8* f2 = f1 + LiteralSet::kFilter1Bytes;
-    const u8* f4 = f2 + LiteralSet::kFilter2Bytes;
+    const u8* filters = set->At(set->filtersOff);
     const u32 kinds = set->keyKinds, mask = set->headMask;
     const bool folded = set->folded;
     const int lastPos = len - int(set->minLen);
-    // The lowest index on the chain of (key, kind) that stands at p, below best.
-    auto chain = [&](int p, u32 key, u32 kind, u32 best) {
-        for (u32 i = head[ChainOf(key, kind, mask)]; i != LiteralSet::kNoEntry && e[i].index < best; i = e[i].next)
+    // The lowest index below best of a literal with a key of k bytes that
+    // stands at p (x: the four bytes there).
+    auto probe = [&](int p, u32 x, int k, u32 best) {
+        const u32 key = KeyOf(x, k), bit = FilterBit(key, k);
+        if (!TestBit(filters + LiteralSet::kFilterOffset[k - 1], bit)) return best;
+        for (u32 i = head[ChainOf(key, k, mask)]; i != LiteralSet::kNoEntry && e[i].index < best; i = e[i].next)
             if (literal_detail::EntryAt(s, len, p, set, e[i])) return e[i].index;
         return best;
     };
@@ -178,9 +166,10 @@ int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
             for (int k = 0; k < len - p; ++k) x |= u32(s[p + k]) << (8 * k);
         if (folded) x = Fold4(x);
         u32 best = LiteralSet::kNoEntry;
-        if ((kinds & LiteralSet::kKey4) && TestBit(f4, Hash4(x))) best = chain(p, x, LiteralSet::kKey4, best);
-        if ((kinds & LiteralSet::kKey2) && TestBit(f2, x & 0xFFFF)) best = chain(p, x & 0xFFFF, LiteralSet::kKey2, best);
-        if ((kinds & LiteralSet::kKey1) && TestBit(f1, x & 0xFF)) best = chain(p, x & 0xFF, LiteralSet::kKey1, best);
+        if (kinds & 8) best = probe(p, x, 4, best);
+        if (kinds & 4) best = probe(p, x, 3, best);
+        if (kinds & 2) best = probe(p, x, 2, best);
+        if (kinds & 1) best = probe(p, x, 1, best);
         if (best != LiteralSet::kNoEntry) {
             *which = int(best);
             return p;

@@ -8,9 +8,10 @@
 //   filtered on the first one to three bytes (as many as the shortest literal
 //   has) by nibble-table lookups, a vector of positions at a time; a position
 //   that passes is verified against the literals of the buckets it passed for.
-// - more: a table of the literals keyed on their first four bytes (hashed),
-//   or first two or first byte for shorter literals, with a bit filter for
-//   each key kind in front of it; one position at a time.
+// - more: a table of the literals keyed on their first four bytes (fewer
+//   for shorter literals), with a bit filter for each key length in front of
+//   it (exact for one and two bytes, a 16-bit hash for three and four); one
+//   position at a time.
 // Caseless sets (folded) take a to z and A to Z as equal; other bytes,
 // 0x80 to 0xFF included, compare exactly. Nothing outside [s, s + len) is read.
 //
@@ -57,7 +58,7 @@ struct LiteralSet {
     u8 table;           // 1: the keyed table form, 0: the bucket form
     u8 folded;          // caseless
     u8 prefix;          // bucket form: bytes filtered, 1 to 3
-    u8 keyKinds;        // table form: kKey1 | kKey2 | kKey4 for the lengths held
+    u8 keyKinds;        // table form: bit k - 1 for the key lengths k (1 to 4) held
     // Bucket form: byte c at prefix position k passes for bucket b when bit b
     // is set in lo[k][c & 15] and in hi[k][c >> 4].
     u8 lo[3][16], hi[3][16];
@@ -67,10 +68,9 @@ struct LiteralSet {
     u32 headsOff, headMask, filtersOff;
 
     static constexpr u32 kNoEntry = 0xFFFFFFFFu;
-    static constexpr u8 kKey1 = 1, kKey2 = 2, kKey4 = 4;
-    // Bit filters of the table form: one byte (256 bits), two bytes (65536
-    // bits), and a 16-bit hash of four bytes (65536 bits).
-    static constexpr u32 kFilter1Bytes = 32, kFilter2Bytes = 8192, kFilter4Bytes = 8192;
+    // Bit filters of the table form, one per key length: the byte (256
+    // bits), the two bytes (65536 bits), a 16-bit hash of three and of four.
+    static constexpr u32 kFilterOffset[4] = {0, 32, 32 + 8192, 32 + 2 * 8192}, kFilterBytes = 32 + 3 * 8192;
 
     const LiteralEntry* Entries() const {
         return reinterpret_cast<const LiteralEntry*>(reinterpret_cast<const u8*>(this) + entriesOff);

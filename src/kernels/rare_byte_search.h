@@ -60,7 +60,7 @@ int FindRare(const u8* s, int len, const u8* f, int m, u32 at) {
         }
     }
     const detail::VectorProbe<V, u8, kFolded> va(pa), vb(pb);
-    auto verify = [&](int j, uint32_t mask) {
+    auto verify = [&](int j, auto mask) {
         for (; mask; mask &= mask - 1) {
             const int k = j + LowestBit(mask);
             if (EqualMiddle<u8, kFolded>(s + k, f, m)) return k;
@@ -69,6 +69,15 @@ int FindRare(const u8* s, int len, const u8* f, int m, u32 at) {
     };
     auto candidates = [&](int j) { return V::ByteMask(V::And(va.Hits(V::LoadU(s + j + a)), vb.Hits(V::LoadU(s + j + b)))); };
     int i = 0;
+    // Two blocks a step, their masks tested together.
+    using M = typename V::PairMask;
+    for (; i + 2 * W - 1 <= lastPos; i += 2 * W) {
+        const M mask = M(candidates(i)) | M(candidates(i + W)) << W;
+        if (VKP_UNLIKELY(mask != 0)) {
+            const int k = verify(i, mask);
+            if (k >= 0) return k;
+        }
+    }
     for (; i + W - 1 <= lastPos; i += W)
         if (const uint32_t mask = candidates(i)) {
             const int k = verify(i, mask);
@@ -81,19 +90,22 @@ int FindRare(const u8* s, int len, const u8* f, int m, u32 at) {
 
 }  // namespace rare_detail
 
-// The two offsets into f[0, m) whose bytes are rarest (distinct byte values
-// where the needle has two), packed as first | second << 16; m >= 1.
+// Two offsets into f[0, m) (m >= 1), packed as first | second << 16: the
+// rarest byte, and the rarest of another value at least half the needle
+// away from it (neighbouring bytes go together, as the "ng" of "-ing" does,
+// and would filter little more than one of them), else the rarest elsewhere.
 inline u32 RareProbeOffsets(const u8* f, int m, bool folded) {
+    auto score = [folded](u8 c) { return rare_detail::ScoreOf(c, folded); };
+    auto fold = [folded](u8 c) { return folded && u8(c - 'A') < 26 ? u8(c | 0x20) : c; };
     int a = 0;
     for (int i = 1; i < m; ++i)
-        if (rare_detail::ScoreOf(f[i], folded) < rare_detail::ScoreOf(f[a], folded)) a = i;
-    auto fold = [folded](u8 c) { return folded && u8(c - 'A') < 26 ? u8(c | 0x20) : c; };
-    auto same = [&](int i) { return fold(f[i]) == fold(f[a]); };
+        if (score(f[i]) < score(f[a])) a = i;
+    const int apart = m / 2 > 1 ? m / 2 : 1;
     int b = -1;
     for (int pass = 0; pass < 2 && b < 0; ++pass)
         for (int i = 0; i < m; ++i) {
-            if (i == a || (pass == 0 && same(i))) continue;
-            if (b < 0 || rare_detail::ScoreOf(f[i], folded) < rare_detail::ScoreOf(f[b], folded)) b = i;
+            if (i == a || (pass == 0 && (fold(f[i]) == fold(f[a]) || (i > a ? i - a : a - i) < apart))) continue;
+            if (b < 0 || score(f[i]) < score(f[b])) b = i;
         }
     if (b < 0) b = a;
     return u32(a) | u32(b) << 16;
