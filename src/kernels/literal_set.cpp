@@ -16,20 +16,14 @@ u32 HeadCount(int count) {
 
 VKP_INLINE u8 FoldByte(u8 c) { return u8(c - 'A') < 26 ? u8(c | 0x20) : c; }
 
-// The four bytes at p with A to Z turned into a to z, all at once: a byte
-// below 0x80 gets its top bit set by adding 0x3F when it is at least 'A',
-// and by adding 0x25 when it is above 'Z'.
-VKP_INLINE u32 Fold4(u32 x) {
-    const u32 t = x & 0x7F7F7F7Fu;
-    const u32 upper = (t + 0x3F3F3F3Fu) & ~(t + 0x25252525u) & ~x & 0x80808080u;
-    return x | (upper >> 2);
-}
+using literal_detail::FoldWord;
 
 // A literal's key: its first four bytes, or all of a shorter one; k is the
-// key length. The filter bit: the key itself for one and two bytes, a hash
-// for more; the chain: another hash.
+// key length. Its filter: k - 1 for one and two bytes (the key is the bit),
+// else 2 with a hash of the first three bytes. Its chain: another hash.
 VKP_INLINE u32 KeyOf(u32 x, int k) { return k == 4 ? x : x & ((1u << (8 * k)) - 1); }
-VKP_INLINE u32 FilterBit(u32 key, int k) { return k <= 2 ? key : (key * 0x9E3779B1u) >> 16; }
+VKP_INLINE int FilterOf(int k) { return k < 3 ? k - 1 : 2; }
+VKP_INLINE u32 FilterBit(u32 key, int k) { return k < 3 ? key : ((key & 0xFFFFFF) * 0x9E3779B1u) >> 16; }
 VKP_INLINE u32 ChainOf(u32 key, int k, u32 mask) { return ((key + u32(k) * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
 
 VKP_INLINE bool TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1; }
@@ -96,7 +90,7 @@ void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at)
         e[i].next = head[h];
         head[h] = u32(i);
         set->keyKinds |= u8(1u << (k - 1));
-        filters[LiteralSet::kFilterOffset[k - 1] + (bit >> 3)] |= u8(1u << (bit & 7));
+        filters[LiteralSet::kFilterOffset[FilterOf(k)] + (bit >> 3)] |= u8(1u << (bit & 7));
     }
 }
 
@@ -143,39 +137,72 @@ bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool fol
     return true;
 }
 
-int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
+namespace {
+
+// The table form's scan. kShort: the set holds literals of one or two bytes,
+// which have filters of their own.
+template <bool kShort>
+int ScanTable(const u8* s, int len, const LiteralSet* set, int* which) {
     const LiteralEntry* e = set->Entries();
     const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
-    const u8* filters = set->At(set->filtersOff);
+    const u8* f1 = set->At(set->filtersOff);
+    const u8* f2 = f1 + LiteralSet::kFilterOffset[1];
+    const u8* f3 = f1 + LiteralSet::kFilterOffset[2];
     const u32 kinds = set->keyKinds, mask = set->headMask;
     const bool folded = set->folded;
     const int lastPos = len - int(set->minLen);
     // The lowest index below best of a literal with a key of k bytes that
     // stands at p (x: the four bytes there).
-    auto probe = [&](int p, u32 x, int k, u32 best) {
-        const u32 key = KeyOf(x, k), bit = FilterBit(key, k);
-        if (!TestBit(filters + LiteralSet::kFilterOffset[k - 1], bit)) return best;
+    auto chain = [&](int p, u32 x, int k, u32 best) {
+        const u32 key = KeyOf(x, k);
         for (u32 i = head[ChainOf(key, k, mask)]; i != LiteralSet::kNoEntry && e[i].index < best; i = e[i].next)
             if (literal_detail::EntryAt(s, len, p, set, e[i])) return e[i].index;
         return best;
     };
-    for (int p = 0; p <= lastPos; ++p) {
+    auto passes = [&](u32 x) {
+        u32 pass = TestBit(f3, FilterBit(x, 3));
+        if constexpr (kShort) pass |= TestBit(f2, x & 0xFFFF) | TestBit(f1, x & 0xFF);
+        return pass;
+    };
+    // The literal at p with the four bytes x there, through which; false if none.
+    auto found = [&](int p, u32 x) {
+        u32 best = LiteralSet::kNoEntry;
+        if (kinds & 8) best = chain(p, x, 4, best);
+        if (kinds & 4) best = chain(p, x, 3, best);
+        if (kinds & 2) best = chain(p, x, 2, best);
+        if (kinds & 1) best = chain(p, x, 1, best);
+        if (best == LiteralSet::kNoEntry) return false;
+        *which = int(best);
+        return true;
+    };
+    int p = 0;
+    // Four positions from one eight-byte load, their filter tests combined
+    // without branches.
+    for (; p + 8 <= len && p + 3 <= lastPos; p += 4) {
+        uint64_t w;
+        __builtin_memcpy(&w, s + p, 8);
+        if (folded) w = FoldWord(w);
+        u32 any = passes(u32(w)) | passes(u32(w >> 8)) << 1 | passes(u32(w >> 16)) << 2 | passes(u32(w >> 24)) << 3;
+        for (; VKP_UNLIKELY(any); any &= any - 1) {
+            const int j = __builtin_ctz(any);
+            if (found(p + j, u32(w >> (8 * j)))) return p + j;
+        }
+    }
+    for (; p <= lastPos; ++p) {
         u32 x = 0;
         if (len - p >= 4) __builtin_memcpy(&x, s + p, 4);
         else  // the bytes past the end read as zero: a literal that fits ends before them
             for (int k = 0; k < len - p; ++k) x |= u32(s[p + k]) << (8 * k);
-        if (folded) x = Fold4(x);
-        u32 best = LiteralSet::kNoEntry;
-        if (kinds & 8) best = probe(p, x, 4, best);
-        if (kinds & 4) best = probe(p, x, 3, best);
-        if (kinds & 2) best = probe(p, x, 2, best);
-        if (kinds & 1) best = probe(p, x, 1, best);
-        if (best != LiteralSet::kNoEntry) {
-            *which = int(best);
-            return p;
-        }
+        if (folded) x = FoldWord(x);
+        if (passes(x) && found(p, x)) return p;
     }
     return -1;
+}
+
+}  // namespace
+
+int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
+    return (set->keyKinds & 3) ? ScanTable<true>(s, len, set, which) : ScanTable<false>(s, len, set, which);
 }
 
 }  // namespace vkp::kernels

@@ -9,9 +9,8 @@
 //   has) by nibble-table lookups, a vector of positions at a time; a position
 //   that passes is verified against the literals of the buckets it passed for.
 // - more: a table of the literals keyed on their first four bytes (fewer
-//   for shorter literals), with a bit filter for each key length in front of
-//   it (exact for one and two bytes, a 16-bit hash for three and four); one
-//   position at a time.
+//   for shorter literals), behind bit filters on the first three bytes
+//   (hashed; exact for shorter literals); one position at a time.
 // Caseless sets (folded) take a to z and A to Z as equal; other bytes,
 // 0x80 to 0xFF included, compare exactly. Nothing outside [s, s + len) is read.
 //
@@ -68,9 +67,11 @@ struct LiteralSet {
     u32 headsOff, headMask, filtersOff;
 
     static constexpr u32 kNoEntry = 0xFFFFFFFFu;
-    // Bit filters of the table form, one per key length: the byte (256
-    // bits), the two bytes (65536 bits), a 16-bit hash of three and of four.
-    static constexpr u32 kFilterOffset[4] = {0, 32, 32 + 8192, 32 + 2 * 8192}, kFilterBytes = 32 + 3 * 8192;
+    // Bit filters of the table form: the byte of one-byte literals (256
+    // bits), the two bytes of two-byte ones (65536 bits), and a 16-bit hash
+    // of the first three bytes of the others (65536 bits): one test a
+    // position for most sets.
+    static constexpr u32 kFilterOffset[3] = {0, 32, 32 + 8192}, kFilterBytes = 32 + 2 * 8192;
 
     const LiteralEntry* Entries() const {
         return reinterpret_cast<const LiteralEntry*>(reinterpret_cast<const u8*>(this) + entriesOff);
@@ -97,19 +98,45 @@ int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which);
 
 namespace literal_detail {
 
-// True when the literal e stands at s + p (it must end by s + len).
+// Bytes with A to Z turned into a to z, all at once: a byte below 0x80 gets
+// its top bit set by adding 0x3F when it is at least 'A', and by adding 0x25
+// when it is above 'Z'.
+template <class W>
+VKP_INLINE W FoldWord(W x) {
+    constexpr W ones = W(~W(0)) / 0xFF;  // 0x0101...
+    const W t = x & (ones * 0x7F);
+    const W upper = (t + ones * 0x3F) & ~(t + ones * 0x25) & ~x & (ones * 0x80);
+    return x | (upper >> 2);
+}
+
+// True when the sizeof(W) bytes at x equal those at f (folded: f holds
+// lower case, x either case).
+template <class W>
+VKP_INLINE bool EqualWord(const u8* x, const u8* f, bool folded) {
+    W a, b;
+    __builtin_memcpy(&a, x, sizeof a);
+    __builtin_memcpy(&b, f, sizeof b);
+    return (folded ? FoldWord(a) : a) == b;
+}
+
+// True when the literal e stands at s + p (it must end by s + len): eight
+// bytes at a time, the last eight flush with its end.
 VKP_INLINE bool EntryAt(const u8* s, int len, int p, const LiteralSet* set, const LiteralEntry& e) {
-    if (u32(len - p) < e.len) return false;
+    const u32 n = e.len;
+    if (u32(len - p) < n) return false;
+    const u8* x = s + p;
     const u8* f = set->At(e.offset);
-    if (!set->folded) {
-        for (u32 i = 0; i < e.len; ++i)
-            if (s[p + i] != f[i]) return false;
-        return true;
+    const bool folded = set->folded;
+    if (n >= 8) {
+        for (u32 i = 0;;) {
+            if (!EqualWord<uint64_t>(x + i, f + i, folded)) return false;
+            if ((i += 8) >= n) return true;
+            if (i + 8 > n) i = n - 8;
+        }
     }
-    for (u32 i = 0; i < e.len; ++i) {
-        const u8 x = s[p + i], y = f[i];  // y is folded: a to z for letters
-        if (x != y && ((x | 0x20) != y || u8(y - 'a') >= 26)) return false;
-    }
+    if (n >= 4) return EqualWord<u32>(x, f, folded) && EqualWord<u32>(x + n - 4, f + n - 4, folded);
+    for (u32 i = 0; i < n; ++i)
+        if ((folded && u8(x[i] - 'A') < 26 ? u8(x[i] | 0x20) : x[i]) != f[i]) return false;
     return true;
 }
 
