@@ -144,10 +144,11 @@ struct Hyperscan {
 using Counter = std::function<int64_t()>;
 
 // A benchmark's count, checked against ours (both computed on first use, so
-// that registering costs nothing).
-void Add(const std::string& name, Counter count, Counter ours) {
-    benchmark::RegisterBenchmark(name.c_str(), [count, ours](benchmark::State& st) {
-        vkp::SelectKernels(vkpGetEnabledCpuFeatures());
+// that registering costs nothing); the kernels of the width the features
+// allow (`drop` taken out of them).
+void Add(const std::string& name, Counter count, Counter ours, unsigned long long drop = 0) {
+    benchmark::RegisterBenchmark(name.c_str(), [count, ours, drop](benchmark::State& st) {
+        vkp::SelectKernels(vkpGetEnabledCpuFeatures() & ~drop);
         const int64_t expected = ours();
         int64_t total = 0;
         for (auto _ : st) total = count();
@@ -186,7 +187,7 @@ Counter Once(Counter c) {
 }
 
 void RegisterWordLists() {
-    for (size_t n : {size_t(4), size_t(300), size_t(3000)}) {
+    for (size_t n : {size_t(4), size_t(32), size_t(300), size_t(3000)}) {
         for (bool caseless : {false, true}) {
             if (n == 3000 && caseless) continue;
             WordList* w = new WordList{n, caseless, {}, nullptr, nullptr, nullptr};  // lives as long as the program
@@ -248,12 +249,14 @@ void RegisterWordLists() {
             const Counter whole = Once(oursWhole), lines = Once(oursLines);
             Add(base + "whole/vkp", oursWhole, whole);
             Add(base + "whole/re2", re2Whole, whole);
+            if (n <= size_t(k::kMaxBucketLiterals)) Add(base + "whole/vkp_16", oursWhole, whole, VKP_CPU_AVX2);
             Add(base + "lines/vkp", oursLines, lines);
             Add(base + "lines/re2", re2Lines, lines);
             Add(base + "lines/hyperscan", hsLines, lines);
             if (!caseless && n <= 300) Add(base + "lines/memmem_loop", memmemLines, lines);
             const std::string row = "LiteralSet " + std::to_string(n) + (caseless ? " words caseless" : " words");
             AddRatio(row + ", whole text / RE2", base + "whole/vkp", base + "whole/re2");
+            AddRatio(row + ", whole text 16-byte / RE2", base + "whole/vkp_16", base + "whole/re2");
             AddRatio(row + ", per line / RE2", base + "lines/vkp", base + "lines/re2");
             AddRatio(row + ", per line / Hyperscan", base + "lines/vkp", base + "lines/hyperscan");
             AddRatio(row + ", per line / memmem loop", base + "lines/vkp", base + "lines/memmem_loop");
@@ -301,7 +304,46 @@ void RegisterCaselessWord(const char* w) {
     AddRatio("caseless " + word + ", rare-byte / first-last filter", base + "vkp_rare_bytes", base + "vkp_first_last");
 }
 
-const int registered = (RegisterWordLists(), RegisterCaselessWord("testing"), RegisterCaselessWord("upstream"),
+// Every run of at least 12 letters over the whole text (long words): the
+// run finder, then the end of the run, against the pcre2 JIT.
+void RegisterLetterRuns() {
+    static vkp8u letters[16] = {};
+    for (int c = 'A'; c <= 'z'; ++c)
+        if (c <= 'Z' || c >= 'a') letters[c & 15] |= vkp8u(1u << (c >> 4));
+    const Counter ours = [] {
+        int64_t c = 0;
+        const auto* t = reinterpret_cast<const vkp8u*>(Text().data());
+        const int len = int(Text().size());
+        for (int from = 0;; ++c) {
+            const int p = k::active::FindMemberRun(t + from, len - from, letters, 12);
+            if (p < 0) return c;
+            const int end = k::active::FindNonMember(t + from + p, len - from - p, letters);
+            if (end < 0) return c + 1;
+            from += p + end;
+        }
+    };
+    int err;
+    PCRE2_SIZE off;
+    pcre2_code* code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>("[A-Za-z]{12,}"), PCRE2_ZERO_TERMINATED, 0, &err,
+                                     &off, nullptr);
+    if (!code || pcre2_jit_compile(code, PCRE2_JIT_COMPLETE) != 0) return;
+    pcre2_match_data* data = pcre2_match_data_create(1, nullptr);
+    const Counter jit = [code, data] {
+        int64_t c = 0;
+        const auto* t = reinterpret_cast<PCRE2_SPTR>(Text().data());
+        for (PCRE2_SIZE from = 0; pcre2_jit_match(code, t, Text().size(), from, 0, data, nullptr) > 0; ++c)
+            from = pcre2_get_ovector_pointer(data)[1];
+        return c;
+    };
+    const Counter expected = Once(ours);
+    Add("LetterRuns/12/vkp", ours, expected);
+    Add("LetterRuns/12/vkp_16", ours, expected, VKP_CPU_AVX2);
+    Add("LetterRuns/12/pcre2_jit", jit, expected);
+    AddRatio("runs of 12 letters / pcre2 JIT", "LetterRuns/12/vkp", "LetterRuns/12/pcre2_jit");
+    AddRatio("runs of 12 letters 16-byte / pcre2 JIT", "LetterRuns/12/vkp_16", "LetterRuns/12/pcre2_jit");
+}
+
+const int registered = (RegisterLetterRuns(), RegisterWordLists(), RegisterCaselessWord("testing"), RegisterCaselessWord("upstream"),
                         RegisterCaselessWord("Version"), RegisterCaselessWord("package"), 0);
 
 }  // namespace
