@@ -26,7 +26,7 @@ VKP_INLINE int FilterOf(int k) { return k < 3 ? k - 1 : 2; }
 VKP_INLINE u32 FilterBit(u32 key, int k) { return k < 3 ? key : ((key & 0xFFFFFF) * 0x9E3779B1u) >> 16; }
 VKP_INLINE u32 ChainOf(u32 key, int k, u32 mask) { return ((key + u32(k) * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
 
-VKP_INLINE bool TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1; }
+VKP_INLINE u32 TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1u; }
 
 // Order of two entries by their first `prefix` (folded) bytes.
 bool PrefixBefore(const LiteralSet* set, const LiteralEntry& a, const LiteralEntry& b, int prefix) {
