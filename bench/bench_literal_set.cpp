@@ -1,17 +1,20 @@
 // The literal kernels on real text (the package change logs of this system,
-// 4 MiB; the English mix when there are none): word lists of 4, 300 and 3000
-// words, exact and caseless, searched over the whole text (every leftmost
-// match, non-overlapping) and line by line (does the line hold a word),
-// against RE2 (the words as one alternation, which picks the same match),
-// Hyperscan (a line stops at its first match) and a memmem loop over the
-// words. A caseless single word is searched with the rare-byte filter
-// against the first/last-byte one and the pcre2 JIT. Every engine's count is
+// 4 MiB; the English mix when there are none): word lists of 4, 32, 300 and
+// 3000 words, exact and caseless, searched over the whole text (every
+// leftmost match, non-overlapping) and line by line (does the line hold a
+// word) against RE2 (the words as one alternation, which picks the same
+// match), Hyperscan (a line stops at its first match) and a memmem loop over
+// the words; which words each line holds (as a pattern set asks) against
+// RE2::Set and Hyperscan. A caseless single word is searched with the
+// rare-byte filter against the first/last-byte one and the pcre2 JIT, and
+// runs of twelve letters against the pcre2 JIT. Every engine's count is
 // checked against ours.
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <benchmark/benchmark.h>
 #include <hs/hs.h>
 #include <pcre2.h>
 #include <re2/re2.h>
+#include <re2/set.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -134,6 +137,17 @@ struct Hyperscan {
         hs_free_scratch(scratch);
         hs_free_database(db);
     }
+    // The number of words the line holds (each reported once).
+    int Count(std::string_view s) const {
+        int n = 0;
+        hs_scan(db, s.data(), unsigned(s.size()), 0, scratch,
+                [](unsigned, unsigned long long, unsigned long long, unsigned, void* c) {
+                    ++*static_cast<int*>(c);
+                    return 0;
+                },
+                &n);
+        return n;
+    }
     bool Any(std::string_view s) const {
         return hs_scan(db, s.data(), unsigned(s.size()), 0, scratch,
                        [](unsigned, unsigned long long, unsigned long long, unsigned, void*) { return 1; },
@@ -167,6 +181,7 @@ struct WordList {
     std::unique_ptr<Ours> ours;
     std::unique_ptr<re2::RE2> re;
     std::unique_ptr<Hyperscan> hs;
+    std::unique_ptr<re2::RE2::Set> reSet;
     WordList& Get() {
         if (ours) return *this;
         words = Words(n);
@@ -176,6 +191,10 @@ struct WordList {
         o.set_log_errors(false);
         re = std::make_unique<re2::RE2>(Alternation(words, caseless), o);
         hs = std::make_unique<Hyperscan>(words, caseless);
+        o.set_case_sensitive(!caseless);
+        reSet = std::make_unique<re2::RE2::Set>(o, re2::RE2::UNANCHORED);
+        for (const std::string& w : words) reSet->Add(RE2::QuoteMeta(w), nullptr);
+        if (!reSet->Compile()) reSet.reset();
         return *this;
     }
 };
@@ -193,6 +212,7 @@ void RegisterWordLists() {
             WordList* w = new WordList{n, caseless, {}, nullptr, nullptr, nullptr};  // lives as long as the program
             const std::string base =
                 "LiteralSet/" + std::to_string(n) + (caseless ? " words caseless/" : " words/");
+            const std::string row = "LiteralSet " + std::to_string(n) + (caseless ? " words caseless" : " words");
             // Whole text: every leftmost match, the next search after it.
             auto oursWhole = [w] {
                 WordList& l = w->Get();
@@ -246,6 +266,46 @@ void RegisterWordLists() {
                         }
                 return c;
             };
+            // Which words each line holds, as a pattern set asks: the count
+            // of (line, word) pairs.
+            auto oursMark = [w] {
+                WordList& l = w->Get();
+                int64_t c = 0;
+                std::vector<vkp8u> seen((l.words.size() + 7) / 8);
+                for (std::string_view line : Lines()) {
+                    std::fill(seen.begin(), seen.end(), 0);
+                    c += k::active::MarkLiterals(reinterpret_cast<const vkp8u*>(line.data()), int(line.size()),
+                                                 l.ours->set, seen.data());
+                }
+                return c;
+            };
+            auto hsMark = [w] {
+                WordList& l = w->Get();
+                int64_t c = 0;
+                if (!l.hs->db || !l.hs->scratch) return c;
+                for (std::string_view line : Lines()) c += l.hs->Count(line);
+                return c;
+            };
+            auto re2SetMark = [w] {
+                WordList& l = w->Get();
+                int64_t c = 0;
+                std::vector<int> hits;
+                if (!l.reSet) return c;
+                for (std::string_view line : Lines()) {
+                    hits.clear();
+                    l.reSet->Match(re2::StringPiece(line.data(), line.size()), &hits);
+                    c += int64_t(hits.size());
+                }
+                return c;
+            };
+            const Counter marked = Once(oursMark);
+            Add(base + "each word per line/vkp", oursMark, marked);
+            Add(base + "each word per line/re2_set", re2SetMark, marked);
+            Add(base + "each word per line/hyperscan", hsMark, marked);
+            AddRatio(row + ", each word per line / RE2::Set", base + "each word per line/vkp",
+                     base + "each word per line/re2_set");
+            AddRatio(row + ", each word per line / Hyperscan", base + "each word per line/vkp",
+                     base + "each word per line/hyperscan");
             const Counter whole = Once(oursWhole), lines = Once(oursLines);
             Add(base + "whole/vkp", oursWhole, whole);
             Add(base + "whole/re2", re2Whole, whole);
@@ -254,7 +314,6 @@ void RegisterWordLists() {
             Add(base + "lines/re2", re2Lines, lines);
             Add(base + "lines/hyperscan", hsLines, lines);
             if (!caseless && n <= 300) Add(base + "lines/memmem_loop", memmemLines, lines);
-            const std::string row = "LiteralSet " + std::to_string(n) + (caseless ? " words caseless" : " words");
             AddRatio(row + ", whole text / RE2", base + "whole/vkp", base + "whole/re2");
             AddRatio(row + ", whole text 16-byte / RE2", base + "whole/vkp_16", base + "whole/re2");
             AddRatio(row + ", per line / RE2", base + "lines/vkp", base + "lines/re2");

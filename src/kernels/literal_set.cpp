@@ -19,11 +19,14 @@ VKP_INLINE u8 FoldByte(u8 c) { return u8(c - 'A') < 26 ? u8(c | 0x20) : c; }
 using literal_detail::FoldWord;
 
 // A literal's key: its first four bytes, or all of a shorter one; k is the
-// key length. Its filter: k - 1 for one and two bytes (the key is the bit),
-// else 2 with a hash of the first three bytes. Its chain: another hash.
+// key length. Its filter bit: the key itself for one and two bytes, else a
+// hash; the bit of its first three bytes in the prefix filter, another hash;
+// its chain, a third.
 VKP_INLINE u32 KeyOf(u32 x, int k) { return k == 4 ? x : x & ((1u << (8 * k)) - 1); }
-VKP_INLINE int FilterOf(int k) { return k < 3 ? k - 1 : 2; }
-VKP_INLINE u32 FilterBit(u32 key, int k) { return k < 3 ? key : ((key & 0xFFFFFF) * 0x9E3779B1u) >> 16; }
+VKP_INLINE u32 FilterBit(u32 key, int k) {
+    return k < 3 ? key : (key * (k == 3 ? 0xC2B2AE35u : 0x27D4EB2Fu)) >> 16;
+}
+VKP_INLINE u32 PrefixBit(u32 x) { return ((x & 0xFFFFFF) * 0x9E3779B1u) >> 16; }
 VKP_INLINE u32 ChainOf(u32 key, int k, u32 mask) { return ((key + u32(k) * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
 
 VKP_INLINE u32 TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1u; }
@@ -90,7 +93,11 @@ void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at)
         e[i].next = head[h];
         head[h] = u32(i);
         set->keyKinds |= u8(1u << (k - 1));
-        filters[LiteralSet::kFilterOffset[FilterOf(k)] + (bit >> 3)] |= u8(1u << (bit & 7));
+        filters[LiteralSet::kFilterOffset[k - 1] + (bit >> 3)] |= u8(1u << (bit & 7));
+        if (k >= 3) {
+            const u32 pre = PrefixBit(x);
+            filters[LiteralSet::kFilterOffset[4] + (pre >> 3)] |= u8(1u << (pre & 7));
+        }
     }
 }
 
@@ -139,41 +146,22 @@ bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool fol
 
 namespace {
 
-// The table form's scan. kShort: the set holds literals of one or two bytes,
-// which have filters of their own.
-template <bool kShort>
-int ScanTable(const u8* s, int len, const LiteralSet* set, int* which) {
-    const LiteralEntry* e = set->Entries();
-    const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
+// The table form's scan: every position up to the last a literal fits at
+// whose first bytes pass a filter, in order, handed to visit(p, x) (x: the
+// four bytes there, folded in a caseless set) until it returns true; that
+// p, or -1. kShort: the set holds literals of one or two bytes, which have
+// filters of their own.
+template <bool kShort, class Visit>
+int ScanTable(const u8* s, int len, const LiteralSet* set, Visit& visit) {
     const u8* f1 = set->At(set->filtersOff);
     const u8* f2 = f1 + LiteralSet::kFilterOffset[1];
-    const u8* f3 = f1 + LiteralSet::kFilterOffset[2];
-    const u32 kinds = set->keyKinds, mask = set->headMask;
+    const u8* fp = f1 + LiteralSet::kFilterOffset[4];
     const bool folded = set->folded;
     const int lastPos = len - int(set->minLen);
-    // The lowest index below best of a literal with a key of k bytes that
-    // stands at p (x: the four bytes there).
-    auto chain = [&](int p, u32 x, int k, u32 best) {
-        const u32 key = KeyOf(x, k);
-        for (u32 i = head[ChainOf(key, k, mask)]; i != LiteralSet::kNoEntry && e[i].index < best; i = e[i].next)
-            if (literal_detail::EntryAt(s, len, p, set, e[i])) return e[i].index;
-        return best;
-    };
     auto passes = [&](u32 x) {
-        u32 pass = TestBit(f3, FilterBit(x, 3));
+        u32 pass = TestBit(fp, PrefixBit(x));
         if constexpr (kShort) pass |= TestBit(f2, x & 0xFFFF) | TestBit(f1, x & 0xFF);
         return pass;
-    };
-    // The literal at p with the four bytes x there, through which; false if none.
-    auto found = [&](int p, u32 x) {
-        u32 best = LiteralSet::kNoEntry;
-        if (kinds & 8) best = chain(p, x, 4, best);
-        if (kinds & 4) best = chain(p, x, 3, best);
-        if (kinds & 2) best = chain(p, x, 2, best);
-        if (kinds & 1) best = chain(p, x, 1, best);
-        if (best == LiteralSet::kNoEntry) return false;
-        *which = int(best);
-        return true;
     };
     int p = 0;
     // Four positions from one eight-byte load, their filter tests combined
@@ -185,7 +173,7 @@ int ScanTable(const u8* s, int len, const LiteralSet* set, int* which) {
         u32 any = passes(u32(w)) | passes(u32(w >> 8)) << 1 | passes(u32(w >> 16)) << 2 | passes(u32(w >> 24)) << 3;
         for (; VKP_UNLIKELY(any); any &= any - 1) {
             const int j = __builtin_ctz(any);
-            if (found(p + j, u32(w >> (8 * j)))) return p + j;
+            if (visit(p + j, u32(w >> (8 * j)))) return p + j;
         }
     }
     for (; p <= lastPos; ++p) {
@@ -194,15 +182,66 @@ int ScanTable(const u8* s, int len, const LiteralSet* set, int* which) {
         else  // the bytes past the end read as zero: a literal that fits ends before them
             for (int k = 0; k < len - p; ++k) x |= u32(s[p + k]) << (8 * k);
         if (folded) x = FoldWord(x);
-        if (passes(x) && found(p, x)) return p;
+        if (passes(x) && visit(p, x)) return p;
     }
     return -1;
+}
+
+// Calls fn(entry) for the literals on the chains of the keys of the four
+// bytes x that pass their key filters, each chain in index order, until it
+// returns true.
+template <class Fn>
+VKP_INLINE void ForChains(const LiteralSet* set, u32 x, Fn fn) {
+    const LiteralEntry* e = set->Entries();
+    const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
+    const u8* filters = set->At(set->filtersOff);
+    for (int k = 4; k >= 1; --k) {
+        if (!((set->keyKinds >> (k - 1)) & 1) ||
+            !TestBit(filters + LiteralSet::kFilterOffset[k - 1], FilterBit(KeyOf(x, k), k)))
+            continue;
+        for (u32 i = head[ChainOf(KeyOf(x, k), k, set->headMask)]; i != LiteralSet::kNoEntry; i = e[i].next)
+            if (fn(e[i])) break;
+    }
+}
+
+template <class Visit>
+int ScanTable(const u8* s, int len, const LiteralSet* set, Visit& visit) {
+    return (set->keyKinds & 3) ? ScanTable<true>(s, len, set, visit) : ScanTable<false>(s, len, set, visit);
 }
 
 }  // namespace
 
 int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which) {
-    return (set->keyKinds & 3) ? ScanTable<true>(s, len, set, which) : ScanTable<false>(s, len, set, which);
+    // The lowest index of the literals standing at p (each chain is in
+    // index order: its walk stops at the first found, or past the best).
+    auto first = [&](int p, u32 x) {
+        u32 best = LiteralSet::kNoEntry;
+        ForChains(set, x, [&](const LiteralEntry& e) {
+            if (e.index >= best) return true;
+            if (!literal_detail::EntryAt(s, len, p, set, e)) return false;
+            best = e.index;
+            return true;
+        });
+        if (best == LiteralSet::kNoEntry) return false;
+        *which = int(best);
+        return true;
+    };
+    return ScanTable(s, len, set, first);
+}
+
+int MarkLiteralsTable(const u8* s, int len, const LiteralSet* set, u8* seen) {
+    int n = 0;
+    auto mark = [&](int p, u32 x) {
+        ForChains(set, x, [&](const LiteralEntry& e) {
+            const u32 i = e.index;
+            if (!((seen[i >> 3] >> (i & 7)) & 1) && literal_detail::EntryAt(s, len, p, set, e))
+                seen[i >> 3] |= u8(1u << (i & 7)), ++n;
+            return false;
+        });
+        return false;
+    };
+    ScanTable(s, len, set, mark);
+    return n;
 }
 
 }  // namespace vkp::kernels

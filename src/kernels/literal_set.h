@@ -10,7 +10,8 @@
 //   that passes is verified against the literals of the buckets it passed for.
 // - more: a table of the literals keyed on their first four bytes (fewer
 //   for shorter literals), behind bit filters on the first three bytes
-//   (hashed; exact for shorter literals); one position at a time.
+//   (hashed; exact for shorter literals) and on the keys; four positions
+//   from one load.
 // Caseless sets (folded) take a to z and A to Z as equal; other bytes,
 // 0x80 to 0xFF included, compare exactly. Nothing outside [s, s + len) is read.
 //
@@ -30,10 +31,13 @@
 //   with the offsets chosen once by RareProbeOffsets; a literal behind a
 //   leading class run or at a bounded distance into the match is searched the
 //   same way and the matcher started at the positions that can reach it.
-// - A pattern set keeps each pattern's required literals; the set compiles
-//   all of them into one literal set (literal index -> pattern), finds the
-//   first hit, and runs only the patterns whose literal occurs at or after
-//   the position searched; a second call from hit + 1 continues.
+// - A pattern set keeps each pattern's required literals (a pattern that
+//   needs one of several lists them all); the set compiles all of them into
+//   one literal set kept with the set, with a table from literal index to
+//   pattern. Each find call clears a bitmap of count bits on the stack, calls
+//   active::MarkLiterals once over the subject, and runs only the patterns
+//   with a literal marked (and those that require none); the others get
+//   their no-match record without being started.
 // - Runs of a class of at least N bytes: FindMemberRun (kernels/class_runs.h).
 #pragma once
 
@@ -67,11 +71,15 @@ struct LiteralSet {
     u32 headsOff, headMask, filtersOff;
 
     static constexpr u32 kNoEntry = 0xFFFFFFFFu;
-    // Bit filters of the table form: the byte of one-byte literals (256
-    // bits), the two bytes of two-byte ones (65536 bits), and a 16-bit hash
-    // of the first three bytes of the others (65536 bits): one test a
-    // position for most sets.
-    static constexpr u32 kFilterOffset[3] = {0, 32, 32 + 8192}, kFilterBytes = 32 + 2 * 8192;
+    // Bit filters of the table form, one per key length k at
+    // kFilterOffset[k - 1]: the byte of one-byte literals (256 bits), the
+    // two bytes of two-byte ones (65536 bits), 16-bit hashes of the three
+    // bytes of three-byte ones and of the first four of longer ones. And at
+    // kFilterOffset[4], a 16-bit hash of the first three bytes of every
+    // literal of three or more: one test a position for most sets, the key
+    // filter then tested before a chain is walked.
+    static constexpr u32 kFilterOffset[5] = {0, 32, 32 + 8192, 32 + 2 * 8192, 32 + 3 * 8192};
+    static constexpr u32 kFilterBytes = 32 + 4 * 8192;
 
     const LiteralEntry* Entries() const {
         return reinterpret_cast<const LiteralEntry*>(reinterpret_cast<const u8*>(this) + entriesOff);
@@ -93,8 +101,9 @@ size_t LiteralSetBytes(int count, size_t totalBytes);
 // literal is empty, or mem is too small or misaligned.
 bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool folded, void* mem, size_t memBytes);
 
-// The table form's scan (one position at a time, the same at every width).
+// The table form's scans (the same at every width).
 int FindLiteralsTable(const u8* s, int len, const LiteralSet* set, int* which);
+int MarkLiteralsTable(const u8* s, int len, const LiteralSet* set, u8* seen);
 
 namespace literal_detail {
 
@@ -166,6 +175,21 @@ VKP_INLINE int VerifyBuckets(const u8* s, int len, int p, u32 b, const LiteralSe
     return best == LiteralSet::kNoEntry ? -1 : int(best);
 }
 
+// Marks in `seen` (bit i: literal i) every literal of the buckets `b` that
+// stands at p; the count of those newly marked.
+VKP_INLINE int MarkBuckets(const u8* s, int len, int p, u32 b, const LiteralSet* set, u8* seen) {
+    const LiteralEntry* e = set->Entries();
+    int n = 0;
+    for (; b; b &= b - 1) {
+        const int k = __builtin_ctz(b);
+        for (u32 i = set->bucketFirst[k]; i < set->bucketFirst[k + 1]; ++i) {
+            const u32 x = e[i].index;
+            if (!((seen[x >> 3] >> (x & 7)) & 1) && EntryAt(s, len, p, set, e[i])) seen[x >> 3] |= u8(1u << (x & 7)), ++n;
+        }
+    }
+    return n;
+}
+
 // The bucket filter over one vector of positions: a mask of the positions
 // i .. i + kBytes - 1 that pass for some bucket (P prefix bytes).
 template <class V, int P>
@@ -186,39 +210,32 @@ struct BucketFilter {
     }
 };
 
-// The first verified position among the candidates `mask` of the block at
-// i, or -1 (positions past lastPos end the search: none can match).
-VKP_INLINE int VerifyBlock(const u8* s, int len, int i, uint32_t mask, int lastPos, const LiteralSet* set,
-                           int* which) {
-    while (mask) {
+// Calls visit(p, buckets) for the candidates `mask` of the block at i in
+// order, up to lastPos; the first p for which it returns true, or -1.
+template <class Visit>
+VKP_INLINE int VisitBlock(const u8* s, int i, uint32_t mask, int lastPos, const LiteralSet* set, Visit& visit) {
+    for (; mask; mask &= mask - 1) {
         const int p = i + __builtin_ctz(mask);
         if (p > lastPos) return -1;
-        const int k = VerifyBuckets(s, len, p, BucketsAt(s, p, set), set);
-        if (k >= 0) {
-            *which = k;
-            return p;
-        }
-        mask &= mask - 1;
+        if (visit(p, BucketsAt(s, p, set))) return p;
     }
     return -1;
 }
 
-template <class V, int P>
-int ScanBuckets(const u8* s, int len, const LiteralSet* set, int* which) {
+// Every position up to the last a literal fits at whose prefix passes the
+// filter of some bucket, in order, handed to visit(p, buckets) until it
+// returns true (that p is returned; -1 when it never does).
+template <class V, int P, class Visit>
+int ScanBuckets(const u8* s, int len, const LiteralSet* set, Visit& visit) {
     constexpr int B = V::kBytes;
     const int lastPos = len - int(set->minLen);
     if (len < B + P - 1) {
         if constexpr (V::kHasNarrower) {
-            return ScanBuckets<typename V::Narrower, P>(s, len, set, which);
+            return ScanBuckets<typename V::Narrower, P>(s, len, set, visit);
         } else {
             for (int p = 0; p <= lastPos; ++p) {
                 const u32 b = BucketsAt(s, p, set);
-                if (!b) continue;
-                const int k = VerifyBuckets(s, len, p, b, set);
-                if (k >= 0) {
-                    *which = k;
-                    return p;
-                }
+                if (b && visit(p, b)) return p;
             }
             return -1;
         }
@@ -228,15 +245,23 @@ int ScanBuckets(const u8* s, int len, const LiteralSet* set, int* which) {
     for (; i + B + P - 1 <= len; i += B) {
         if (i > lastPos) return -1;
         if (const uint32_t m = f.Hits(s + i)) {
-            const int p = VerifyBlock(s, len, i, m, lastPos, set, which);
+            const int p = VisitBlock(s, i, m, lastPos, set, visit);
             if (p >= 0) return p;
         }
     }
     if (i > lastPos) return -1;
     // The last positions, in one block flush with the end.
     const int j = len - B - (P - 1);
-    const uint32_t m = f.Hits(s + j) & uint32_t(~0ull << (i - j));
-    return VerifyBlock(s, len, j, m, lastPos, set, which);
+    return VisitBlock(s, j, f.Hits(s + j) & uint32_t(~0ull << (i - j)), lastPos, set, visit);
+}
+
+template <class V, class Visit>
+int ScanBuckets(const u8* s, int len, const LiteralSet* set, Visit& visit) {
+    switch (set->prefix) {
+    case 1: return ScanBuckets<V, 1>(s, len, set, visit);
+    case 2: return ScanBuckets<V, 2>(s, len, set, visit);
+    default: return ScanBuckets<V, 3>(s, len, set, visit);
+    }
 }
 
 }  // namespace literal_detail
@@ -246,11 +271,29 @@ int ScanBuckets(const u8* s, int len, const LiteralSet* set, int* which) {
 template <class V>
 int FindLiterals(const u8* s, int len, const LiteralSet* set, int* which) {
     if (set->table) return FindLiteralsTable(s, len, set, which);
-    switch (set->prefix) {
-    case 1: return literal_detail::ScanBuckets<V, 1>(s, len, set, which);
-    case 2: return literal_detail::ScanBuckets<V, 2>(s, len, set, which);
-    default: return literal_detail::ScanBuckets<V, 3>(s, len, set, which);
-    }
+    auto first = [&](int p, u32 b) {
+        const int k = literal_detail::VerifyBuckets(s, len, p, b, set);
+        if (k >= 0) *which = k;
+        return k >= 0;
+    };
+    return literal_detail::ScanBuckets<V>(s, len, set, first);
+}
+
+// Every literal of `set` that occurs in s[0, len), in one pass: bit i of
+// seen (set->count bits, cleared by the caller, or holding the literals
+// already known) is set when literal i occurs. The count of literals newly
+// marked. The form in the width list: what a pattern set needs to know which
+// of its patterns' required literals a subject holds.
+template <class V>
+int MarkLiterals(const u8* s, int len, const LiteralSet* set, u8* seen) {
+    if (set->table) return MarkLiteralsTable(s, len, set, seen);
+    int n = 0;
+    auto mark = [&](int p, u32 b) {
+        n += literal_detail::MarkBuckets(s, len, p, b, set, seen);
+        return false;
+    };
+    literal_detail::ScanBuckets<V>(s, len, set, mark);
+    return n;
 }
 
 }  // namespace vkp::kernels

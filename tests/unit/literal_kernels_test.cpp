@@ -1,6 +1,7 @@
-// The multi-literal search, the rare-byte substring search and the class-run
-// finder against plain loops on seeded random inputs: literal sets of 1 to
-// 5000 literals of 1 to 64 bytes (exact and caseless, bytes 0x80 to 0xFF,
+// The multi-literal search (the leftmost literal, and every literal that
+// occurs), the rare-byte substring search and the class-run finder against
+// plain loops on seeded random inputs: literal sets of 1 to 5000 literals of
+// 1 to 64 bytes (exact and caseless, bytes 0x80 to 0xFF,
 // literals that share prefixes, overlap or repeat), every subject length to
 // 300 and some large ones, flush against an inaccessible page on either side.
 // The kernels run at the width chosen at attach (the suite runs at both).
@@ -139,6 +140,17 @@ TEST(LiteralKernels, SetsAgainstPlainLoop) {
                 if (pos >= 0) {
                     ASSERT_EQ(which, want.second) << "count " << c.count << " len " << len;
                 }
+                // Which literals occur anywhere, in one pass.
+                Bytes seen((lits.size() + 7) / 8), wantSeen(seen.size());
+                int occurring = 0;
+                for (size_t i = 0; i < lits.size(); ++i)
+                    for (size_t q = 0; q < s.size(); ++q)
+                        if (At(s, q, lits[i], c.folded)) {
+                            wantSeen[i / 8] |= vkp8u(1u << (i % 8)), ++occurring;
+                            break;
+                        }
+                ASSERT_EQ(k::active::MarkLiterals(p, len, comp.set, seen.data()), occurring) << c.count << " " << len;
+                ASSERT_EQ(seen, wantSeen) << "count " << c.count << " len " << len;
             }
         }
     }
