@@ -148,6 +148,7 @@ struct Hyperscan {
                 &n);
         return n;
     }
+    bool ok() const { return db && scratch; }
     bool Any(std::string_view s) const {
         return hs_scan(db, s.data(), unsigned(s.size()), 0, scratch,
                        [](unsigned, unsigned long long, unsigned long long, unsigned, void*) { return 1; },
@@ -182,6 +183,8 @@ struct WordList {
     std::unique_ptr<re2::RE2> re;
     std::unique_ptr<Hyperscan> hs;
     std::unique_ptr<re2::RE2::Set> reSet;
+    std::vector<vkp8u> seen;  // a bit per word
+    std::vector<int> hits;
     WordList& Get() {
         if (ours) return *this;
         words = Words(n);
@@ -195,9 +198,21 @@ struct WordList {
         reSet = std::make_unique<re2::RE2::Set>(o, re2::RE2::UNANCHORED);
         for (const std::string& w : words) reSet->Add(RE2::QuoteMeta(w), nullptr);
         if (!reSet->Compile()) reSet.reset();
+        seen.resize((words.size() + 7) / 8);
         return *this;
     }
 };
+
+// A count of fn(list, line) summed over the lines.
+template <class Fn>
+Counter PerLine(WordList* w, Fn fn) {
+    return [w, fn] {
+        WordList& l = w->Get();
+        int64_t c = 0;
+        for (std::string_view line : Lines()) c += int64_t(fn(l, line));
+        return c;
+    };
+}
 
 // Counts computed once per list, for the check.
 Counter Once(Counter c) {
@@ -234,70 +249,33 @@ void RegisterWordLists() {
                     from = size_t(m.data() + m.size() - t.data());
                 return c;
             };
-            auto oursLines = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
+            using L = std::string_view;
+            const Counter oursLines = PerLine(w, [](WordList& l, L line) {
                 int which;
-                for (std::string_view line : Lines()) c += l.ours->Find(line, &which) >= 0;
-                return c;
-            };
-            auto re2Lines = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                for (std::string_view line : Lines())
-                    c += re2::RE2::PartialMatch(re2::StringPiece(line.data(), line.size()), *l.re);
-                return c;
-            };
-            auto hsLines = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                if (!l.hs->db || !l.hs->scratch) return c;
-                for (std::string_view line : Lines()) c += l.hs->Any(line);
-                return c;
-            };
-            auto memmemLines = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                for (std::string_view line : Lines())
-                    for (const std::string& word : l.words)
-                        if (memmem(line.data(), line.size(), word.data(), word.size())) {
-                            ++c;
-                            break;
-                        }
-                return c;
-            };
+                return l.ours->Find(line, &which) >= 0;
+            });
+            const Counter re2Lines = PerLine(w, [](WordList& l, L line) {
+                return re2::RE2::PartialMatch(re2::StringPiece(line.data(), line.size()), *l.re);
+            });
+            const Counter hsLines = PerLine(w, [](WordList& l, L line) { return l.hs->ok() && l.hs->Any(line); });
+            const Counter memmemLines = PerLine(w, [](WordList& l, L line) {
+                for (const std::string& word : l.words)
+                    if (memmem(line.data(), line.size(), word.data(), word.size())) return true;
+                return false;
+            });
             // Which words each line holds, as a pattern set asks: the count
             // of (line, word) pairs.
-            auto oursMark = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                std::vector<vkp8u> seen((l.words.size() + 7) / 8);
-                for (std::string_view line : Lines()) {
-                    std::fill(seen.begin(), seen.end(), 0);
-                    c += k::active::MarkLiterals(reinterpret_cast<const vkp8u*>(line.data()), int(line.size()),
-                                                 l.ours->set, seen.data());
-                }
-                return c;
-            };
-            auto hsMark = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                if (!l.hs->db || !l.hs->scratch) return c;
-                for (std::string_view line : Lines()) c += l.hs->Count(line);
-                return c;
-            };
-            auto re2SetMark = [w] {
-                WordList& l = w->Get();
-                int64_t c = 0;
-                std::vector<int> hits;
-                if (!l.reSet) return c;
-                for (std::string_view line : Lines()) {
-                    hits.clear();
-                    l.reSet->Match(re2::StringPiece(line.data(), line.size()), &hits);
-                    c += int64_t(hits.size());
-                }
-                return c;
-            };
+            const Counter oursMark = PerLine(w, [](WordList& l, L line) {
+                std::fill(l.seen.begin(), l.seen.end(), 0);
+                return k::active::MarkLiterals(reinterpret_cast<const vkp8u*>(line.data()), int(line.size()),
+                                               l.ours->set, l.seen.data());
+            });
+            const Counter hsMark = PerLine(w, [](WordList& l, L line) { return l.hs->ok() ? l.hs->Count(line) : 0; });
+            const Counter re2SetMark = PerLine(w, [](WordList& l, L line) {
+                l.hits.clear();
+                if (l.reSet) l.reSet->Match(re2::StringPiece(line.data(), line.size()), &l.hits);
+                return int(l.hits.size());
+            });
             const Counter marked = Once(oursMark);
             Add(base + "each word per line/vkp", oursMark, marked);
             Add(base + "each word per line/re2_set", re2SetMark, marked);
