@@ -8,6 +8,10 @@
 
 namespace vkp {
 
+namespace kernels {
+struct LiteralSet;  // kernels/literal_set.h
+}
+
 // 32 (the AVX2 kernels) when the feature mask has AVX2, else 16 (SSE2).
 // Independent of the processor variant.
 constexpr int KernelWidthFromFeatures(unsigned long long mask) { return (mask & VKP_CPU_AVX2) ? 32 : 16; }
