@@ -57,7 +57,7 @@ void KeepClass(const Instruction* prog, int i, u32 options, Analysis* a) {
     for (int c = 0; c < 128; ++c)
         if (ClassContains(&prog[i], c, options)) {
             k.bits[c >> 5] |= u32(1) << (c & 31);
-            k.nibbles[c & 15] |= static_cast<u8>(1u << (c >> 4));
+            AddNibbleMember(k.nibbles, c);
         }
     a->anyClass = 1;
 }

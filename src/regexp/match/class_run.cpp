@@ -1,6 +1,7 @@
 #include "regexp/match/class_run.h"
 
 #include "kernels/active.h"
+#include "regexp/match/literal_scan.h"
 
 namespace vkp::regexp {
 
@@ -11,7 +12,7 @@ constexpr ClassBits TypeBits(u8 mask, bool negated) {
     for (int c = 0; c < 128; ++c)
         if (((KindOf(c) & mask) != 0) != negated) {
             k.bits[c >> 5] |= u32(1) << (c & 31);
-            k.nibbles[c & 15] |= static_cast<u8>(1u << (c >> 4));
+            AddNibbleMember(k.nibbles, c);
         }
     return k;
 }

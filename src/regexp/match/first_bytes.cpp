@@ -1,5 +1,6 @@
 #include "regexp/match/first_bytes.h"
 
+#include "regexp/match/items.h"
 #include "regexp/match/literal_scan.h"
 #include "floor/utf8.h"
 
@@ -17,13 +18,11 @@ void AddByte(ByteSet* set, u8 b, u32 options) {
 // Bytes of the classes \d \s \w; the upper-case forms take the complement
 // (which includes every byte of a multi-byte character).
 void AddType(ByteSet* set, int type) {
+    const u8 kind = (type | 0x20) == 'd' ? kKindDigit : (type | 0x20) == 's' ? kKindSpace
+                  : (type | 0x20) == 'w' ? kKindWord : 0;
     ByteSet t{};
-    switch (type | 0x20) {
-        case 'd': t.AddRange('0', '9'); break;
-        case 's': t.Add(9); t.Add(10); t.Add(12); t.Add(13); t.Add(32); break;
-        case 'w': t.AddRange('0', '9'); t.AddRange('A', 'Z'); t.AddRange('a', 'z'); t.Add('_'); break;
-        default: break;
-    }
+    for (int b = 0; b < 128; ++b)
+        if (KindOf(b) & kind) t.Add(static_cast<u8>(b));
     const bool complement = type != '.' && (type & 0x20) == 0;
     for (int k = 0; k < 8; ++k) set->bits[k] |= complement ? ~t.bits[k] : t.bits[k];
 }
@@ -144,9 +143,9 @@ Outcome SequenceFirst(const Instruction* prog, int from, int to, u32* options, B
         const Outcome o = ItemFirst(prog, i, options, set);
         if (o == kUnknown) return kUnknown;
         const int next = NextItem(prog, i);
-        const bool optional = next < to && IsRepeat(prog[next].op) && prog[next].a == 0;
+        const bool optional = next < to && vkp::IsRepeat(prog[next].op) && prog[next].a == 0;
         if (o == kConsumes && !optional) return kConsumes;
-        i = next < to && IsRepeat(prog[next].op) ? next + 1 : next;
+        i = next < to && vkp::IsRepeat(prog[next].op) ? next + 1 : next;
     }
     return kMayBeEmpty;
 }
@@ -191,7 +190,7 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
     } else if (n < 256) {
         f.mode = ascii ? StartFilter::kAscii : StartFilter::kAny;
         for (int b = 0; b < 128; ++b)
-            if (f.set.Has(static_cast<u8>(b))) f.nibbles.low[b & 15] |= static_cast<u8>(1u << (b >> 4));
+            if (f.set.Has(static_cast<u8>(b))) AddNibbleMember(f.nibbles.low, b);
     }
     return f;
 }

@@ -25,6 +25,9 @@ struct NibbleSet {
     u8 low[16];
 };
 
+// Puts ASCII byte c into nibble tables of that form.
+constexpr void AddNibbleMember(u8* low, int c) { low[c & 15] |= static_cast<u8>(1u << (c >> 4)); }
+
 // First index i below len at which s[i] is in the set, or -1.
 int FindInNibbleSet(const u8* s, int len, const NibbleSet& set);
 
