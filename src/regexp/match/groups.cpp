@@ -92,39 +92,31 @@ VKP_INLINE int TryBody(const u8* pos, MatchContext* ctx, const Instruction* open
     return 1;
 }
 
+// Another iteration of the group from pos; when it fails, the entry's
+// count and iteration start are put back.
+VKP_INLINE int TryIteration(const u8* pos, MatchContext* ctx, GroupEntry* g, const Instruction* opener, int budget) {
+    const int count = g->count;
+    const u8* const start = g->iterStart;
+    g->count = count + 1;
+    g->iterStart = pos;
+    if (TryBody(pos, ctx, opener, budget) == 0) return 0;
+    g->count = count;
+    g->iterStart = start;
+    return 1;
+}
+
 // The end of one iteration of a repeated group: another iteration (before
 // the continuation when greedy, after it when lazy) or the continuation.
 VKP_INLINE int IterateGroup(const u8* pos, MatchContext* ctx, const Instruction* ket, int budget) {
     GroupEntry* g = GroupOf(ctx, ket->a);
-    const u8* const start = g->iterStart;
     const Instruction* opener = ctx->program + g->opener;
-    const int count = g->count;
-    const int done = count + 1;
-    if (done < g->min) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-        return 1;
-    }
-    const bool more = pos != start && done < g->max;
+    const int done = g->count + 1;
+    if (done < g->min) return TryIteration(pos, ctx, g, opener, budget);
+    const bool more = pos != g->iterStart && done < g->max;
     const bool lazy = g->lazy;
-    if (more && !lazy) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-    }
+    if (more && !lazy && TryIteration(pos, ctx, g, opener, budget) == 0) return 0;
     if (ContinueAfter(pos, ctx, ket, budget) == 0) return 0;
-    if (more && lazy) {
-        g->count = done;
-        g->iterStart = pos;
-        if (TryBody(pos, ctx, opener, budget) == 0) return 0;
-        g->count = count;
-        g->iterStart = start;
-    }
+    if (more && lazy && TryIteration(pos, ctx, g, opener, budget) == 0) return 0;
     return 1;
 }
 
