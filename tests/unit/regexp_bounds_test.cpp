@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "regexp/match/find_driver.h"
+#include "regexp/find/find_driver.h"
 #include "regexp/match/stack_limit.h"
 #include "support/random_text.h"
 #include "support/regexp_search.h"

@@ -33,7 +33,7 @@ constexpr int kWorkFirstPart = 32000;
 constexpr int kWorkSecondPart = 16000;
 
 // The last kAnalysisBytes of the first part keep, between searches, what
-// the driver works out from the program alone (regexp/match/analysis.h).
+// the driver works out from the program alone (regexp/find/analysis.h).
 // Its first word is a stamp that the compiler clears; the analysis is kept
 // only when the group table ends below it, else it is worked out per
 // search and the stamp cleared after it.

@@ -2,7 +2,7 @@
 // for the greedy repeats.
 #pragma once
 
-#include "regexp/match/analysis_hooks.h"
+#include "regexp/match/match_hints.h"
 #include "regexp/match/items.h"
 
 namespace vkp::regexp {

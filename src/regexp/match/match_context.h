@@ -58,12 +58,11 @@ struct MatchContext {
     GroupEntry* groups;             // indexed by group id
     const char* stackFloor;         // recursion fails below this stack address
     int stackExhausted;             // set when a branch failed for lack of stack
-    const struct StartFilter* startFilter;  // bytes a match can begin with, or null
     struct Memo* memo;              // failures known so far (the bounded rerun), or null
     long long stepsLeft;            // calls of MatchHere before the search stops (memo.h)
     int cutoffs;                    // branches cut short by the depth budget
     int stepState;                  // 0 plain, -1 rerun; 1: the plain search gave up, 2: the rerun its cap
-    // From the program's analysis (analysis_hooks.h): a bit per repeat record
+    // From the program's analysis (match_hints.h): a bit per repeat record
     // whose item needs no backtracking (or null), and the repeat of a
     // leading run with where it ended in the current attempt (or null).
     const u8* possessive;
@@ -102,18 +101,12 @@ VKP_INLINE const Instruction* KetOf(const MatchContext* ctx, int link) {
 // Runs the program from ip at pos.
 int MatchHere(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget);
 
-// Where MatchStart tries the program.
+// Where the search tries the program (find/match_start.h).
 enum AnchorMode : int {
     kAnchorAnywhere = 0,       // every position, the end included
     kAnchorLineStarts = 1,     // the start and every position after a line feed
     kAnchorSubjectStart = 2,   // the start only
 };
-
-// Tries the program at successive start positions of subject[0, length),
-// as anchorMode allows. firstAlternative is the
-// index from which the next top-level alternative is looked for. On success
-// record 0 holds the match.
-int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode, int firstAlternative);
 
 // Construct routines, reached from MatchHere with ip at the construct.
 int RepeatChar(const u8* pos, MatchContext* ctx, const Instruction* ip, int budget);

@@ -6,7 +6,7 @@
 // continuation fails hold a stack frame.
 #include <string.h>
 
-#include "regexp/match/analysis_hooks.h"
+#include "regexp/match/match_hints.h"
 #include "regexp/match/items.h"
 #include "regexp/match/memo.h"
 

@@ -4,7 +4,6 @@
 #include <limits.h>
 
 #include "floor/entries.h"
-#include "regexp/match/find_driver.h"
 #include "floor/utf8.h"
 
 namespace vkp::regexp {

@@ -12,7 +12,7 @@
 // and the 32-byte argument home area per level).
 #include <string.h>
 
-#include "regexp/match/analysis_hooks.h"
+#include "regexp/match/match_hints.h"
 #include "regexp/match/class_run.h"
 #include "regexp/match/items.h"
 #include "regexp/match/memo.h"

@@ -8,8 +8,8 @@
 #pragma once
 
 #include "regexp/compile/state.h"
-#include "regexp/match/analysis_hooks.h"
-#include "regexp/match/first_bytes.h"
+#include "regexp/match/match_hints.h"
+#include "regexp/find/first_bytes.h"
 
 namespace vkp::regexp {
 

@@ -1,4 +1,4 @@
-// What the matcher reads of the program's analysis (analysis.h): the
+// What the matcher reads of the program's analysis (find/analysis.h): the
 // repeats that need no backtracking, where a leading run ended, and the
 // ASCII members of classes.
 #pragma once
@@ -9,7 +9,7 @@
 namespace vkp::regexp {
 
 // ASCII members of a class under the options it runs with, worked out
-// once per program (analysis.h), in the slot ClassSlot picks for it.
+// once per program (find/analysis.h), in the slot ClassSlot picks for it.
 struct ClassBits {
     const Instruction* cls;  // null: slot unused
     u32 options;

@@ -6,20 +6,20 @@
 // by an alternative that failed keeps its text when a later one matches.
 #include <string.h>
 
-#include "regexp/match/first_bytes.h"
-#include "regexp/match/match_context.h"
+#include "regexp/find/match_start.h"
 #include "floor/utf8.h"
 
 namespace vkp::regexp {
 
-int MatchStart(const u8* subject, int length, MatchContext* ctx, int anchorMode, int firstAlternative) {
+int MatchStart(const u8* subject, int length, MatchContext* ctx, const Analysis& an, int anchorMode) {
     const u8* pos = subject;
     const u8* const end = subject + length;
     ctx->subjectEnd = end;
     const u32 options = ctx->options;
-    const Instruction* const altFloor = ctx->program + firstAlternative;
+    const Instruction* const altFloor = ctx->program + an.firstAlternative;
     ctx->recordsDirty = 1;
-    const StartFilter* filter = anchorMode == kAnchorAnywhere ? ctx->startFilter : nullptr;
+    const StartFilter* filter =
+        anchorMode == kAnchorAnywhere && an.filter.mode != StartFilter::kNone ? &an.filter : nullptr;
     for (;;) {
         if (filter && !(pos = NextCandidate(*filter, pos, end, ctx->format))) break;
         if (ctx->recordsDirty) {

@@ -1,9 +1,10 @@
 // vkpsRegExpFind_8u: argument checks, literal narrowing and shortcuts, then
 // the matcher, once or for every match (global option).
-#include "regexp/match/find_driver.h"
+#include "regexp/find/find_driver.h"
 
 #include "floor/entries.h"
-#include "regexp/match/analysis.h"
+#include "regexp/find/analysis.h"
+#include "regexp/find/match_start.h"
 #include "regexp/match/literal_scan.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/memo.h"
@@ -145,7 +146,6 @@ void SetUpContext(RegExpState* state, const Analysis& an, const u8* src, const W
                   Memo* memo, MatchContext* ctx) {
     const Instruction* program = ProgramOf(state);
     const int count = state->instructionCount;
-    ctx->startFilter = an.filter.mode == StartFilter::kNone ? nullptr : &an.filter;
     ctx->possessive = an.anyPossessive ? an.possessive : nullptr;
     ctx->leadRepeat = an.leadRepeat >= 0 ? program + an.leadRepeat : nullptr;
     ctx->leadRunEnd = nullptr;
@@ -180,7 +180,7 @@ Status NothingFound(const MatchContext& ctx, int* numMatches) {
 
 // One match: its records, as many as the array takes.
 Status MatchOnce(MatchContext* ctx, const Analysis& an, const Window& w, RegExpFind* matches, int* numMatches) {
-    if (MatchStart(w.start, w.length, ctx, an.anchorMode, an.firstAlternative) != 0)
+    if (MatchStart(w.start, w.length, ctx, an, an.anchorMode) != 0)
         return NothingFound(*ctx, numMatches);
     const int groups = ctx->recordCount;
     const int n = *numMatches < groups ? *numMatches : groups;
@@ -206,7 +206,7 @@ Status MatchAll(MatchContext* ctx, const Analysis& an, const Window& w, const u8
     while (written < cap) {
         if (!an.requiredByFilter && !RequiredByteAhead(an, pos, end, &required)) break;
         ctx->notEmpty = 0;
-        if (MatchStart(pos, static_cast<int>(end - pos), ctx, an.anchorMode, an.firstAlternative) != 0) break;
+        if (MatchStart(pos, static_cast<int>(end - pos), ctx, an, an.anchorMode) != 0) break;
         Append(ctx->records, firstRecord, perMatch, matches, cap, &written);
         const u8* matchStart = ctx->records[0].pMatch;
         const int matchLen = ctx->records[0].matchLen;
@@ -218,7 +218,7 @@ Status MatchAll(MatchContext* ctx, const Analysis& an, const Window& w, const u8
         const int step = ctx->format == kFormatUtf8 ? CharLength(matchStart, end) : 1;
         if (written < cap) {
             ctx->notEmpty = 1;
-            if (MatchStart(matchStart, step, ctx, kAnchorSubjectStart, an.firstAlternative) == 0)
+            if (MatchStart(matchStart, step, ctx, an, kAnchorSubjectStart) == 0)
                 Append(ctx->records, firstRecord, perMatch, matches, cap, &written);
         }
         pos = matchStart + step;

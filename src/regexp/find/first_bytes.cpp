@@ -1,4 +1,4 @@
-#include "regexp/match/first_bytes.h"
+#include "regexp/find/first_bytes.h"
 
 #include "regexp/match/items.h"
 #include "regexp/match/literal_scan.h"

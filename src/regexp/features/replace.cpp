@@ -6,7 +6,7 @@
 // to resume.
 #include "floor/entries.h"
 #include "kernels/copy.h"
-#include "regexp/match/find_driver.h"
+#include "regexp/find/find_driver.h"
 
 namespace vkp::regexp {
 namespace {

@@ -1,6 +1,6 @@
 // The per-program analysis of the find driver, worked out once per compiled
 // block and kept in its work area.
-#include "regexp/match/analysis.h"
+#include "regexp/find/analysis.h"
 
 #include "regexp/match/items.h"
 
