@@ -22,8 +22,7 @@ OUT_BLOCKS = "src/floor/unicode_blocks_table.cpp"
 OUT_SCRIPTS = "src/floor/unicode_scripts_table.cpp"
 OUT_CHARS = "src/floor/unicode_chars_table.cpp"
 OUT_CASEMAP = "src/floor/case_map_table.cpp"
-OUT_CASELIST = "tests/unit/case_map_expected.inc"
-OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP, OUT_CASELIST)
+OUTPUTS = (OUT_BLOCKS, OUT_SCRIPTS, OUT_CHARS, OUT_CASEMAP)
 
 # General category -> category bits (major-class bit | minor bit).
 MAJOR = {"L": 0x80, "M": 0x100, "Z": 0x200, "S": 0x400, "N": 0x800,
@@ -336,21 +335,6 @@ def emit_casemap(records, ages):
                shifts(1, 1), shifts(0, -1)))
 
 
-def emit_caselist(records, ages):
-    """The case map's mappings as a plain list, for the test that reads the
-    compressed table back unit by unit."""
-    maps = case_mappings(records, ages)
-    rows = []
-    for cp in sorted(maps):
-        has_upper, has_lower, delta = maps[cp]
-        rows.append("{0x%04X, %s, %s}," % (
-            cp, "0x%04X" % (cp - delta) if has_upper else "-1",
-            "0x%04X" % (cp + delta) if has_lower else "-1"))
-    return (header(["UnicodeData.txt", "DerivedAge.txt"]) +
-            "// {unit, upper-case mapping, lower-case mapping}, -1 for none;\n"
-            "// units not listed map to nothing.\n" + "\n".join(rows) + "\n")
-
-
 def main(argv):
     ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     ap.add_argument("ucd", nargs="?", default=DEFAULT_UCD)
@@ -367,7 +351,6 @@ def main(argv):
         OUT_SCRIPTS: emit_scripts(read_scripts(src("Scripts.txt"))),
         OUT_CHARS: emit_chars(records, ranges),
         OUT_CASEMAP: emit_casemap(records, ages),
-        OUT_CASELIST: emit_caselist(records, ages),
     }
     for rel in OUTPUTS:
         path = os.path.join(args.out, rel)
