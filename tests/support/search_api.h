@@ -9,48 +9,30 @@ namespace vkptest {
 template <class T>
 struct SearchApi;
 
-template <>
-struct SearchApi<vkp8u> {
-    static constexpr auto Find = vkpsFind_8u;
-    static constexpr auto FindRev = vkpsFindRev_8u;
-    static constexpr auto FindC = vkpsFindC_8u;
-    static constexpr auto FindRevC = vkpsFindRevC_8u;
-    static constexpr auto FindZ = vkpsFind_Z_8u;
-    static constexpr auto FindCZ = vkpsFindC_Z_8u;
-    static constexpr auto FindCAny = vkpsFindCAny_8u;
-    static constexpr auto FindRevCAny = vkpsFindRevCAny_8u;
-    static constexpr auto Compare = vkpsCompare_8u;
-    static constexpr auto CompareIgnoreCaseLatin = vkpsCompareIgnoreCaseLatin_8u;
-    static constexpr auto Equal = vkpsEqual_8u;
-    static constexpr auto LowercaseLatin = vkpsLowercaseLatin_8u;
-    static constexpr auto LowercaseLatinI = vkpsLowercaseLatin_8u_I;
-    static constexpr auto UppercaseLatin = vkpsUppercaseLatin_8u;
-    static constexpr auto UppercaseLatinI = vkpsUppercaseLatin_8u_I;
-    static constexpr auto Hash = vkpsHash_8u32u;
-    static constexpr auto HashSJ2 = vkpsHashSJ2_8u32u;
-    static constexpr auto HashMSCS = vkpsHashMSCS_8u32u;
-};
-
-template <>
-struct SearchApi<vkp16u> {
-    static constexpr auto Find = vkpsFind_16u;
-    static constexpr auto FindRev = vkpsFindRev_16u;
-    static constexpr auto FindC = vkpsFindC_16u;
-    static constexpr auto FindRevC = vkpsFindRevC_16u;
-    static constexpr auto FindZ = vkpsFind_Z_16u;
-    static constexpr auto FindCZ = vkpsFindC_Z_16u;
-    static constexpr auto FindCAny = vkpsFindCAny_16u;
-    static constexpr auto FindRevCAny = vkpsFindRevCAny_16u;
-    static constexpr auto Compare = vkpsCompare_16u;
-    static constexpr auto CompareIgnoreCaseLatin = vkpsCompareIgnoreCaseLatin_16u;
-    static constexpr auto Equal = vkpsEqual_16u;
-    static constexpr auto LowercaseLatin = vkpsLowercaseLatin_16u;
-    static constexpr auto LowercaseLatinI = vkpsLowercaseLatin_16u_I;
-    static constexpr auto UppercaseLatin = vkpsUppercaseLatin_16u;
-    static constexpr auto UppercaseLatinI = vkpsUppercaseLatin_16u_I;
-    static constexpr auto Hash = vkpsHash_16u32u;
-    static constexpr auto HashSJ2 = vkpsHashSJ2_16u32u;
-    static constexpr auto HashMSCS = vkpsHashMSCS_16u32u;
-};
+#define VKPTEST_SEARCH_API(T, S)                                                   \
+    template <>                                                                    \
+    struct SearchApi<T> {                                                          \
+        static constexpr auto Find = vkpsFind_##S;                                 \
+        static constexpr auto FindRev = vkpsFindRev_##S;                           \
+        static constexpr auto FindC = vkpsFindC_##S;                               \
+        static constexpr auto FindRevC = vkpsFindRevC_##S;                         \
+        static constexpr auto FindZ = vkpsFind_Z_##S;                              \
+        static constexpr auto FindCZ = vkpsFindC_Z_##S;                            \
+        static constexpr auto FindCAny = vkpsFindCAny_##S;                         \
+        static constexpr auto FindRevCAny = vkpsFindRevCAny_##S;                   \
+        static constexpr auto Compare = vkpsCompare_##S;                           \
+        static constexpr auto CompareIgnoreCaseLatin = vkpsCompareIgnoreCaseLatin_##S; \
+        static constexpr auto Equal = vkpsEqual_##S;                               \
+        static constexpr auto LowercaseLatin = vkpsLowercaseLatin_##S;             \
+        static constexpr auto LowercaseLatinI = vkpsLowercaseLatin_##S##_I;        \
+        static constexpr auto UppercaseLatin = vkpsUppercaseLatin_##S;             \
+        static constexpr auto UppercaseLatinI = vkpsUppercaseLatin_##S##_I;        \
+        static constexpr auto Hash = vkpsHash_##S##32u;                            \
+        static constexpr auto HashSJ2 = vkpsHashSJ2_##S##32u;                      \
+        static constexpr auto HashMSCS = vkpsHashMSCS_##S##32u;                    \
+    };
+VKPTEST_SEARCH_API(vkp8u, 8u)
+VKPTEST_SEARCH_API(vkp16u, 16u)
+#undef VKPTEST_SEARCH_API
 
 }  // namespace vkptest
