@@ -255,9 +255,9 @@ TYPED_TEST(Edit, DocumentedQuirks) {
     const SplitCase cases[] = {
         {"a,b,", {4, 4, 4, 4}, 0, {"a", "b"}},     {",a", {4, 4, 4, 4}, 0, {"", "a"}},
         {"a,,b", {4, 4, 4, 4}, 0, {"a", "", "b"}}, {"abc", {4, 4, 4, 4}, 0, {"abc"}},
-        {"", {4}, 0, {}},                          {"a,b", {4}, 26, {"a"}},
-        {"a,", {4}, 0, {"a"}},                     {"abcdef,x", {3, 5}, 27, {"abc", "x"}},
-        {"abcdef,xyz,q", {3, 5}, 26, {"abc", "xyz"}},
+        {"", {4}, 0, {}},                          {"a,b", {4}, VKP_WARN_SLOTS_FULL, {"a"}},
+        {"a,", {4}, 0, {"a"}},                     {"abcdef,x", {3, 5}, VKP_WARN_PIECE_CUT, {"abc", "x"}},
+        {"abcdef,xyz,q", {3, 5}, VKP_WARN_SLOTS_FULL, {"abc", "xyz"}},
     };
     for (const SplitCase& c : cases) {
         std::vector<T> s = str(c.src);
