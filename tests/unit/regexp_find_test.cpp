@@ -124,55 +124,45 @@ TEST(RegExpArguments, ChecksInOrderWriteNothing) {
     vkpsRegExpMultiFree(set);
 }
 
-TEST(RegExpFind, ResultCodes) {
-    CompiledRegExp re("(a)(b)?(c)");
-    vkptest::SearchResult r = re.Search("xac", 1);
-    EXPECT_EQ(r.status, VKP_WARN_FEW_RECORDS);
-    EXPECT_EQ(r.records, (Spans{{1, 2}}));
-    r = re.Search("xac", 8);  // the count becomes the number of groups
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.records, (Spans{{1, 2}, {1, 1}, {-1, -1}, {2, 1}}));
-    r = re.Search("xyz");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(r.records.empty());
-    CompiledRegExp empty("x*");
-    EXPECT_EQ(empty.Search("", 4, 0).records, (Spans{{0, 0}}));
-}
-
-TEST(RegExpFind, GlobalSearch) {
-    struct Case {
+// Result codes and records of single and global searches.
+TEST(RegExpFind, Searches) {
+    const struct {
         const char* pattern;
+        const char* options;
         std::string subject;
         int capacity;
         vkpStatus status;
         Spans records;
-    };
-    const Case cases[] = {
-        // An empty match at the very end ends the search.
-        {"x*", "ab", 8, 0, {{0, 0}, {1, 0}, {2, 0}}},
-        {"a*", "baa", 8, 0, {{0, 0}, {1, 2}, {3, 0}}},
-        {"\\w+", "ab cd  e", 8, 0, {{0, 2}, {3, 2}, {7, 1}}},
-        {"\\w+", "ab cd  e", 2, 0, {{0, 2}, {3, 2}}},
+    } cases[] = {
+        // Single: the count becomes the number of groups, or the warning.
+        {"(a)(b)?(c)", "", "xac", 1, VKP_WARN_FEW_RECORDS, {{1, 2}}},
+        {"(a)(b)?(c)", "", "xac", 8, 0, {{1, 2}, {1, 1}, {-1, -1}, {2, 1}}},
+        {"(a)(b)?(c)", "", "xyz", 8, 0, {}},
+        {"x*", "", "", 4, 0, {{0, 0}}},
+        // Global: an empty match at the very end ends the search.
+        {"x*", "g", "ab", 8, 0, {{0, 0}, {1, 0}, {2, 0}}},
+        {"a*", "g", "baa", 8, 0, {{0, 0}, {1, 2}, {3, 0}}},
+        {"\\w+", "g", "ab cd  e", 8, 0, {{0, 2}, {3, 2}, {7, 1}}},
+        {"\\w+", "g", "ab cd  e", 2, 0, {{0, 2}, {3, 2}}},
         // With groups, records 1 to the last per match.
-        {"(\\w)(\\d)?", "a1b", 8, 0, {{0, 1}, {1, 1}, {2, 1}, {-1, -1}}},
-        {"(\\w)(\\d)?", "a1b", 3, 0, {{0, 1}, {1, 1}, {2, 1}}},
-        {"(\\w)(\\d)?", "a1b", 1, VKP_WARN_FEW_RECORDS, {{0, 1}}},
-        {"^a", "aa", 8, 0, {{0, 1}}},
-        {"^a", "a\na", 8, 0, {{0, 1}}},
-        {"cat|dog|do", "dog do cat", 8, 0, {{0, 3}, {4, 2}, {7, 3}}},
+        {"(\\w)(\\d)?", "g", "a1b", 8, 0, {{0, 1}, {1, 1}, {2, 1}, {-1, -1}}},
+        {"(\\w)(\\d)?", "g", "a1b", 3, 0, {{0, 1}, {1, 1}, {2, 1}}},
+        {"(\\w)(\\d)?", "g", "a1b", 1, VKP_WARN_FEW_RECORDS, {{0, 1}}},
+        {"^a", "g", "aa", 8, 0, {{0, 1}}},
+        {"^a", "g", "a\na", 8, 0, {{0, 1}}},
+        {"^.", "gm", "ab\ncd\n", 8, 0, {{0, 1}, {3, 1}}},
+        {"cat|dog|do", "g", "dog do cat", 8, 0, {{0, 3}, {4, 2}, {7, 3}}},
         // After an empty match a one-character match is tried in place.
-        {"(?=a)|a", "ab", 8, 0, {{0, 0}, {0, 1}}},
-        {"(?=a)|a", "ba", 8, 0, {{1, 0}, {1, 1}}},
-        {"q", "abc", 8, 0, {}},
+        {"(?=a)|a", "g", "ab", 8, 0, {{0, 0}, {0, 1}}},
+        {"(?=a)|a", "g", "ba", 8, 0, {{1, 0}, {1, 1}}},
+        {"q", "g", "abc", 8, 0, {}},
     };
-    for (const Case& c : cases) {
-        CompiledRegExp re(c.pattern, "g");
+    for (const auto& c : cases) {
+        CompiledRegExp re(c.pattern, c.options);
         const vkptest::SearchResult r = re.Search(c.subject, c.capacity);
         EXPECT_EQ(r.status, c.status) << c.pattern;
         EXPECT_EQ(r.records, c.records) << c.pattern << " on " << c.subject;
     }
-    CompiledRegExp multi("^.", "gm");
-    EXPECT_EQ(multi.Search("ab\ncd\n").records, (Spans{{0, 1}, {3, 1}}));
 }
 
 // Format 1 (the default) moves start positions by whole UTF-8 characters,
