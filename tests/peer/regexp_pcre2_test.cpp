@@ -289,9 +289,8 @@ public:
     bool ok() const { return code_ != nullptr; }
 
     // 1 match, 0 none, -1 an error (match limit and such).
-    int Match(const std::string& s, size_t start, uint32_t options, Records& out, int groups) {
-        const int rc = pcre2_match(code_, reinterpret_cast<PCRE2_SPTR>(s.data()), s.size(), start, options, data_,
-                                   nullptr);
+    int Match(const std::string& s, size_t start, Records& out, int groups) {
+        const int rc = pcre2_match(code_, reinterpret_cast<PCRE2_SPTR>(s.data()), s.size(), start, 0, data_, nullptr);
         if (rc < 0) return rc == PCRE2_ERROR_NOMATCH ? 0 : -1;
         const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(data_);
         out.assign(size_t(groups), {-1, -1});
@@ -300,13 +299,12 @@ public:
         return 1;
     }
 
-    // Perl's global loop: after an empty match, retry at the same place for
-    // a non-empty anchored match, else move one byte on. -1 on an error or
-    // an empty match (not compared, see above).
+    // Every match, each searched from the end of the one before; -1 on an
+    // error or at the first empty match (such searches are not compared).
     int MatchAll(const std::string& s, int groups, std::vector<Records>& all) {
         for (size_t pos = 0; pos <= s.size();) {
             Records r;
-            const int rc = Match(s, pos, 0, r, groups);
+            const int rc = Match(s, pos, r, groups);
             if (rc <= 0) return rc;
             if (r[0].second == 0) return -1;
             all.push_back(r);
@@ -463,7 +461,7 @@ TEST(RegExpPeer, AgreesWithPcre2) {
             const std::string subject = Subject(rng);
             const std::string cut = subject.substr(0, CutLength(ours.state(), subject));
             std::vector<Records> want(1);
-            const int rc = peer.Match(cut, 0, 0, want[0], groups);
+            const int rc = peer.Match(cut, 0, want[0], groups);
             if (rc < 0 || (wordAnchor && cut.size() < subject.size() && IsWordByte(subject[cut.size()]))) {
                 ++skipped;
                 continue;
