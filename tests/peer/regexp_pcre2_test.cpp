@@ -389,14 +389,15 @@ bool IsWordByte(char c) { return (Upper(c) >= 'A' && Upper(c) <= 'Z') || (c >= '
 size_t CutLength(const vkpRegExpState* st, const std::string& s) {
     if (st->lastLiteralIndex < 0 || st->lastLiteralIndex >= st->instructionCount) return s.size();
     const vkpRegExpInstruction& ins = Program(st)[st->lastLiteralIndex];
-    const vkp::Literal lit = vkp::LiteralOf(ins);
-    if (!lit.length) return s.size();
-    const size_t n = size_t(lit.length);
+    std::string lit;
+    if (ins.op == vkp::OP_CHAR) lit = std::string(1, char(ins.a));
+    else if (ins.op == vkp::OP_STRING) lit.assign(static_cast<const char*>(ins.d), size_t(ins.b));
+    else return s.size();
     const bool caseless = (ins.c & VKP_REGEXP_IGNORECASE) != 0;
-    for (size_t i = s.size() >= n ? s.size() - n + 1 : 0; i-- > 0;) {
+    for (size_t i = s.size() >= lit.size() ? s.size() - lit.size() + 1 : 0; i-- > 0;) {
         size_t k = 0;
-        while (k < n && (caseless ? Upper(s[i + k]) == Upper(char(lit.bytes[k])) : s[i + k] == char(lit.bytes[k]))) ++k;
-        if (k == n) return i + n;
+        while (k < lit.size() && (caseless ? Upper(s[i + k]) == Upper(lit[k]) : s[i + k] == lit[k])) ++k;
+        if (k == lit.size()) return i + lit.size();
     }
     return 0;
 }
