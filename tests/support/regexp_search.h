@@ -47,11 +47,13 @@ public:
                         capacity);
     }
 
-    SearchResult SearchAt(const vkp8u* s, int length, int capacity) {
+    // `find` is vkpsRegExpFind_8u or a function of the same form.
+    template <class Find = decltype(&vkpsRegExpFind_8u)>
+    SearchResult SearchAt(const vkp8u* s, int length, int capacity, Find find = &vkpsRegExpFind_8u) {
         std::vector<vkpRegExpFind> found(size_t(capacity > 0 ? capacity : 1));
         int n = capacity;
         SearchResult r;
-        r.status = vkpsRegExpFind_8u(s, length, state(), found.data(), &n);
+        r.status = find(s, length, state(), found.data(), &n);
         if (r.status >= 0)
             for (int i = 0; i < n; ++i)
                 r.records.push_back({found[i].pMatch ? long(found[i].pMatch - s) : -1L, found[i].matchLen});

@@ -19,17 +19,11 @@ using vkptest::Rng;
 using vkptest::SearchResult;
 
 // The search that the driver runs once the plain one gives up.
-SearchResult SearchBounded(CompiledRegExp& re, const std::string& subject, int capacity = 16) {
-    std::vector<vkpRegExpFind> found(static_cast<size_t>(capacity));
-    int n = capacity;
-    SearchResult r;
-    const auto* s = reinterpret_cast<const vkp8u*>(subject.c_str());
-    r.status = vkp::regexp::FindBounded(s, int(subject.size()), re.state(), found.data(), &n,
-                                        vkp::regexp::ThreadStackFloor(), false);
-    if (r.status >= 0)
-        for (int i = 0; i < n; ++i)
-            r.records.push_back({found[i].pMatch ? long(found[i].pMatch - s) : -1L, found[i].matchLen});
-    return r;
+SearchResult SearchBounded(CompiledRegExp& re, const std::string& subject) {
+    return re.SearchAt(reinterpret_cast<const vkp8u*>(subject.c_str()), int(subject.size()), 16,
+                       [](const vkp8u* s, int len, vkpRegExpState* st, vkpRegExpFind* m, int* n) {
+                           return vkp::regexp::FindBounded(s, len, st, m, n, vkp::regexp::ThreadStackFloor(), false);
+                       });
 }
 
 // Patterns over {a, b} built from items, groups of every kind, alternations

@@ -1,10 +1,12 @@
-// vkpsRegExpFind_8u as a driver: argument checks in order, result codes,
-// global search and its empty-match rule, UTF-8 start positions, the
-// shortcuts and what the driver keeps between searches, and reads that stay
-// within the subject.
+// The argument checks of every regexp entry point; vkpsRegExpFind_8u as a
+// driver: result codes, global search and its empty-match rule, UTF-8 start
+// positions, the shortcuts and what the driver keeps between searches, and
+// reads that stay within the subject.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,75 +20,149 @@ using vkptest::CompiledRegExp;
 using vkptest::Span;
 using Spans = std::vector<Span>;
 
-TEST(RegExpFind, ArgumentChecksInOrder) {
-    CompiledRegExp re("a");
-    const vkp8u s[] = "a";
-    vkpRegExpFind m[2];
-    int n = 2, zero = 0;
-    EXPECT_EQ(vkpsRegExpFind_8u(nullptr, 1, re.state(), m, &n), VKP_ERR_NULL);
-    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, nullptr, m, &n), VKP_ERR_NULL);
-    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), nullptr, &n), VKP_ERR_NULL);
-    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), m, nullptr), VKP_ERR_NULL);
-    EXPECT_EQ(vkpsRegExpFind_8u(s, -1, re.state(), m, &zero), VKP_ERR_LENGTH);  // before the count
-    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, re.state(), m, &zero), VKP_ERR_SIZE);
-    EXPECT_EQ(zero, 0);
-    // A zeroed block is refused before anything else is read from it.
-    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);
-    n = 2;
-    EXPECT_EQ(vkpsRegExpFind_8u(s, 1, reinterpret_cast<vkpRegExpState*>(blank.data()), m, &n),
-              VKP_ERR_NOT_COMPILED);
-    EXPECT_EQ(n, 2);
+// The outputs the calls below may write; a marker fills them before each call.
+struct Outputs {
+    vkpRegExpFind records[4];
+    vkpRegExpMultiFind results[2];
+    vkp8u dst[16];
+    int count, zero, srcLen, dstLen, size, offset;
+};
+
+// Every regexp entry point's argument checks in the order they are made
+// (each row passes the checks before the one it breaks): the status, and
+// nothing written, neither to the outputs nor to the pattern or set block.
+TEST(RegExpArguments, ChecksInOrderWriteNothing) {
+    CompiledRegExp re("(a)(b)?");
+    vkpRegExpState* st = re.state();
+    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);  // not a compiled pattern
+    auto* none = reinterpret_cast<vkpRegExpState*>(blank.data());
+    std::vector<long long> templateBlock(16);
+    auto* rs = reinterpret_cast<vkpRegExpReplaceState*>(templateBlock.data());
+    const vkp8u s[] = "xaby";
+    ASSERT_EQ(vkpsRegExpReplaceInit(s, rs), 0);
+    vkpRegExpMultiState* set = nullptr;
+    ASSERT_EQ(vkpsRegExpMultiInitAlloc(&set, 2), 0);
+    vkpRegExpMultiState empty{};  // capacity 0, as a block the caller zeroed
+    Outputs o;
+    using Call = std::function<vkpStatus()>;
+    std::vector<std::pair<vkpStatus, Call>> rows = {
+        {VKP_ERR_NULL, [&] { return vkpsRegExpGetSize(nullptr, &o.size); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpGetSize("a", nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpInit(nullptr, "", none, &o.offset); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpInit("a", "", nullptr, &o.offset); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpInit("a", "", none, nullptr); }},
+        {VKP_ERR_NULL, [&] { vkpRegExpState* p = st; return vkpsRegExpInitAlloc(nullptr, "", &p, &o.offset); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpInitAlloc("a", "", nullptr, &o.offset); }},
+        {VKP_ERR_LENGTH, [&] { return vkpsRegExpSetMatchLimit(-1, st); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpSetMatchLimit(5, nullptr); }},
+        {VKP_ERR_FORMAT, [&] { return vkpsRegExpSetFormat(2, st); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpSetFormat(1, nullptr); }},
+        // Find: pointers, the length before the record count, then the block.
+        {VKP_ERR_NULL, [&] { return vkpsRegExpFind_8u(nullptr, 4, st, o.records, &o.count); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpFind_8u(s, 4, nullptr, o.records, &o.count); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpFind_8u(s, 4, st, nullptr, &o.count); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpFind_8u(s, 4, st, o.records, nullptr); }},
+        {VKP_ERR_LENGTH, [&] { return vkpsRegExpFind_8u(s, -1, st, o.records, &o.zero); }},
+        {VKP_ERR_SIZE, [&] { return vkpsRegExpFind_8u(s, 4, st, o.records, &o.zero); }},
+        {VKP_ERR_NOT_COMPILED, [&] { return vkpsRegExpFind_8u(s, 4, none, o.records, &o.count); }},
+        // Replace and its template.
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplaceGetSize(s, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplaceInit(s, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(nullptr, &o.srcLen, o.dst, &o.dstLen, o.records, &o.count, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, nullptr, o.dst, &o.dstLen, o.records, &o.count, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, nullptr, &o.dstLen, o.records, &o.count, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, nullptr, o.records, &o.count, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, nullptr, &o.count, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, o.records, nullptr, st, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, o.records, &o.count, nullptr, rs); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, o.records, &o.count, st, nullptr); }},
+        {VKP_ERR_SIZE, [&] { return vkpsRegExpReplace_8u(s, &o.zero, o.dst, &o.dstLen, o.records, &o.count, st, rs); }},
+        {VKP_ERR_SIZE, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.zero, o.records, &o.count, st, rs); }},
+        {VKP_ERR_SIZE, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, o.records, &o.zero, st, rs); }},
+        {VKP_ERR_NOT_COMPILED, [&] { return vkpsRegExpReplace_8u(s, &o.srcLen, o.dst, &o.dstLen, o.records, &o.count, none, rs); }},
+        // Pattern sets.
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiGetSize(1, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiInit(nullptr, 1); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiInitAlloc(nullptr, 1); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiAdd(nullptr, 1, set); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiAdd(st, 1, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiModify(nullptr, 1, set); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiModify(st, 1, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiDelete(1, nullptr); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiFind_8u(nullptr, 4, o.results, set); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiFind_8u(s, 4, nullptr, set); }},
+        {VKP_ERR_NULL, [&] { return vkpsRegExpMultiFind_8u(s, 4, o.results, nullptr); }},
+        {VKP_ERR_SIZE, [&] { return vkpsRegExpMultiFind_8u(s, 0, o.results, set); }},  // an empty subject too
+        {VKP_ERR_SET_FULL, [&] { return vkpsRegExpMultiAdd(st, 1, &empty); }},
+        {VKP_ERR_NO_SUCH_ID, [&] { return vkpsRegExpMultiDelete(1, &empty); }},
+        {VKP_ERR_NO_SUCH_ID, [&] { return vkpsRegExpMultiModify(st, 1, &empty); }},
+        {VKP_ERR_ZERO_ID, [&] { return vkpsRegExpMultiAdd(st, 0, set); }},
+    };
+    // Capacities below 1 or whose block size overflows; the failed
+    // allocation leaves a null pointer behind.
+    for (int bad : {0, -1, INT_MIN, (INT_MAX - 24) / 12 + 1}) {
+        rows.push_back({VKP_ERR_SIZE, [&, bad] { return vkpsRegExpMultiGetSize(bad, &o.size); }});
+        rows.push_back({VKP_ERR_SIZE, [&, bad] { return vkpsRegExpMultiInit(set, bad); }});
+        rows.push_back({VKP_ERR_SIZE, [&, bad] {
+            vkpRegExpMultiState* p = set;
+            const vkpStatus r = vkpsRegExpMultiInitAlloc(&p, bad);
+            return p ? 1 : r;
+        }});
+    }
+    for (size_t i = 0; i < rows.size(); ++i) {
+        std::memset(&o, 0x55, sizeof o);
+        o.count = 4, o.zero = 0, o.srcLen = 4, o.dstLen = 16;
+        unsigned char before[sizeof(Outputs)];
+        std::memcpy(before, &o, sizeof o);
+        const std::string header(reinterpret_cast<const char*>(st), 32), slots(reinterpret_cast<const char*>(set), 48);
+        EXPECT_EQ(rows[i].second(), rows[i].first) << "row " << i;
+        EXPECT_EQ(std::memcmp(before, &o, sizeof o), 0) << "row " << i;
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(st), 32), header) << "row " << i;
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(set), 48), slots) << "row " << i;
+    }
+    EXPECT_EQ(vkpsRegExpMultiGetSize((INT_MAX - 24) / 12, &o.size), 0);
+    vkpsRegExpMultiFree(set);
 }
 
-TEST(RegExpFind, ResultCodes) {
-    CompiledRegExp re("(a)(b)?(c)");
-    vkptest::SearchResult r = re.Search("xac", 1);
-    EXPECT_EQ(r.status, VKP_WARN_FEW_RECORDS);
-    EXPECT_EQ(r.records, (Spans{{1, 2}}));
-    r = re.Search("xac", 8);  // the count becomes the number of groups
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.records, (Spans{{1, 2}, {1, 1}, {-1, -1}, {2, 1}}));
-    r = re.Search("xyz");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(r.records.empty());
-    CompiledRegExp empty("x*");
-    EXPECT_EQ(empty.Search("", 4, 0).records, (Spans{{0, 0}}));
-}
-
-TEST(RegExpFind, GlobalSearch) {
-    struct Case {
+// Result codes and records of single and global searches.
+TEST(RegExpFind, Searches) {
+    const struct {
         const char* pattern;
+        const char* options;
         std::string subject;
         int capacity;
         vkpStatus status;
         Spans records;
-    };
-    const Case cases[] = {
-        // An empty match at the very end ends the search.
-        {"x*", "ab", 8, 0, {{0, 0}, {1, 0}, {2, 0}}},
-        {"a*", "baa", 8, 0, {{0, 0}, {1, 2}, {3, 0}}},
-        {"\\w+", "ab cd  e", 8, 0, {{0, 2}, {3, 2}, {7, 1}}},
-        {"\\w+", "ab cd  e", 2, 0, {{0, 2}, {3, 2}}},
+    } cases[] = {
+        // Single: the count becomes the number of groups, or the warning.
+        {"(a)(b)?(c)", "", "xac", 1, VKP_WARN_FEW_RECORDS, {{1, 2}}},
+        {"(a)(b)?(c)", "", "xac", 8, 0, {{1, 2}, {1, 1}, {-1, -1}, {2, 1}}},
+        {"(a)(b)?(c)", "", "xyz", 8, 0, {}},
+        {"x*", "", "", 4, 0, {{0, 0}}},
+        // Global: an empty match at the very end ends the search.
+        {"x*", "g", "ab", 8, 0, {{0, 0}, {1, 0}, {2, 0}}},
+        {"a*", "g", "baa", 8, 0, {{0, 0}, {1, 2}, {3, 0}}},
+        {"\\w+", "g", "ab cd  e", 8, 0, {{0, 2}, {3, 2}, {7, 1}}},
+        {"\\w+", "g", "ab cd  e", 2, 0, {{0, 2}, {3, 2}}},
         // With groups, records 1 to the last per match.
-        {"(\\w)(\\d)?", "a1b", 8, 0, {{0, 1}, {1, 1}, {2, 1}, {-1, -1}}},
-        {"(\\w)(\\d)?", "a1b", 3, 0, {{0, 1}, {1, 1}, {2, 1}}},
-        {"(\\w)(\\d)?", "a1b", 1, VKP_WARN_FEW_RECORDS, {{0, 1}}},
-        {"^a", "aa", 8, 0, {{0, 1}}},
-        {"^a", "a\na", 8, 0, {{0, 1}}},
-        {"cat|dog|do", "dog do cat", 8, 0, {{0, 3}, {4, 2}, {7, 3}}},
+        {"(\\w)(\\d)?", "g", "a1b", 8, 0, {{0, 1}, {1, 1}, {2, 1}, {-1, -1}}},
+        {"(\\w)(\\d)?", "g", "a1b", 3, 0, {{0, 1}, {1, 1}, {2, 1}}},
+        {"(\\w)(\\d)?", "g", "a1b", 1, VKP_WARN_FEW_RECORDS, {{0, 1}}},
+        {"^a", "g", "aa", 8, 0, {{0, 1}}},
+        {"^a", "g", "a\na", 8, 0, {{0, 1}}},
+        {"^.", "gm", "ab\ncd\n", 8, 0, {{0, 1}, {3, 1}}},
+        {"cat|dog|do", "g", "dog do cat", 8, 0, {{0, 3}, {4, 2}, {7, 3}}},
         // After an empty match a one-character match is tried in place.
-        {"(?=a)|a", "ab", 8, 0, {{0, 0}, {0, 1}}},
-        {"(?=a)|a", "ba", 8, 0, {{1, 0}, {1, 1}}},
-        {"q", "abc", 8, 0, {}},
+        {"(?=a)|a", "g", "ab", 8, 0, {{0, 0}, {0, 1}}},
+        {"(?=a)|a", "g", "ba", 8, 0, {{1, 0}, {1, 1}}},
+        {"q", "g", "abc", 8, 0, {}},
     };
-    for (const Case& c : cases) {
-        CompiledRegExp re(c.pattern, "g");
+    for (const auto& c : cases) {
+        CompiledRegExp re(c.pattern, c.options);
         const vkptest::SearchResult r = re.Search(c.subject, c.capacity);
         EXPECT_EQ(r.status, c.status) << c.pattern;
         EXPECT_EQ(r.records, c.records) << c.pattern << " on " << c.subject;
     }
-    CompiledRegExp multi("^.", "gm");
-    EXPECT_EQ(multi.Search("ab\ncd\n").records, (Spans{{0, 1}, {3, 1}}));
 }
 
 // Format 1 (the default) moves start positions by whole UTF-8 characters,

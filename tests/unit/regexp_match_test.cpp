@@ -22,18 +22,9 @@ struct Case {
 
 constexpr Span kUnset{-1, -1};
 
-void RunCases(const std::vector<Case>& cases) {
-    for (const Case& c : cases) {
-        CompiledRegExp re(c.pattern, c.options);
-        ASSERT_EQ(re.status(), 0) << c.pattern;
-        const vkptest::SearchResult r = re.Search(c.subject);
-        EXPECT_EQ(r.status, 0) << c.pattern << " on " << c.subject;
-        EXPECT_EQ(r.records, c.records) << c.pattern << " (" << c.options << ") on \"" << c.subject << "\"";
-    }
-}
-
-TEST(RegExpMatch, LiteralsAndTypes) {
-    RunCases({
+TEST(RegExpMatch, Constructs) {
+    const std::vector<Case> cases = {
+        // Literals and types
         {"abc", "", "xabcx", {{1, 3}}},
         {"ABC", "i", "xabc", {{1, 3}}},
         {"a@", "i", "A`", {}},  // only letters differ in case
@@ -48,11 +39,7 @@ TEST(RegExpMatch, LiteralsAndTypes) {
         {"\\C", "", "\xc3\xa9", {{0, 1}}},      // one byte
         {"\xc3\xa9+", "", "\xc3\xa9\xa9\xa9", {{0, 4}}},  // the repeat takes the last byte
         {"a..b", "", "a\xe2\x82" "b", {{0, 4}}},  // a cut sequence is bytes
-    });
-}
-
-TEST(RegExpMatch, Classes) {
-    RunCases({
+        // Classes
         {"[a-c]+", "", "xxbcaz", {{2, 3}}},
         {"[^a-c]", "", "abcd", {{3, 1}}},
         {"[\xc3\xa9-\xc3\xaa]+", "", "a\xc3\xa9\xc3\xaa" "b", {{1, 4}}},
@@ -67,11 +54,7 @@ TEST(RegExpMatch, Classes) {
         {"[\\p{Greek}]+", "", "a\xce\xb1\xce\xb2" "b", {{1, 4}}},
         {"[\\P{L}]", "", "ab1", {{2, 1}}},
         {"[b-d]{2,}?", "", "abcd", {{1, 2}}},
-    });
-}
-
-TEST(RegExpMatch, UnicodeItems) {
-    RunCases({
+        // Unicode items
         {"\\p{Lu}+", "", "ab\xc3\x89" "Cd", {{2, 3}}},
         {"\\P{Lu}", "", "A\xc3\xa9", {{1, 2}}},
         {"\\p{Han}", "", "a\xe4\xb8\x80", {{1, 3}}},
@@ -81,11 +64,7 @@ TEST(RegExpMatch, UnicodeItems) {
         {"\\X", "", "e\xcc\x81x", {{0, 3}}},
         {"\\X+?x", "", "e\xcc\x81x", {{0, 4}}},
         {"\\X", "", "\xcc\x81", {}},  // a mark cannot start a cluster
-    });
-}
-
-TEST(RegExpMatch, Anchors) {
-    RunCases({
+        // Anchors
         {"^b", "", "ab", {}},
         {"^b", "m", "a\nb", {{2, 1}}},
         {"^", "m", "x\n", {{0, 0}}},
@@ -99,11 +78,7 @@ TEST(RegExpMatch, Anchors) {
         {"a\\Z", "", "a\n", {{0, 1}}},
         {"x^*y", "", "xy", {{0, 2}}},  // an anchor a repeat makes optional
         {".*b", "", "aa\nab", {{3, 2}}},
-    });
-}
-
-TEST(RegExpMatch, RepeatsAndGroups) {
-    RunCases({
+        // Repeats and groups
         {"a{2,3}", "", "aaaa", {{0, 3}}},
         {"a{2,3}?", "", "aaaa", {{0, 2}}},
         {"a*?b", "", "aaab", {{0, 4}}},
@@ -124,11 +99,7 @@ TEST(RegExpMatch, RepeatsAndGroups) {
         {"(a*)*", "", "b", {{0, 0}, {0, 0}}},
         {"(a){0}b", "", "ab", {{1, 1}, kUnset}},
         {"(?:ab){2,}?c", "", "abababc", {{0, 7}}},
-    });
-}
-
-TEST(RegExpMatch, BackReferences) {
-    RunCases({
+        // Back-references
         {"(a)\\1", "", "xaa", {{1, 2}, {1, 1}}},
         {"(a|b)\\1+", "", "abbb", {{1, 3}, {1, 1}}},
         {"(a)|b\\1", "", "b", {}},            // a group that did not take part
@@ -138,11 +109,7 @@ TEST(RegExpMatch, BackReferences) {
         {"(a+)b\\1", "", "aabaa", {{0, 5}, {0, 2}}},
         {"(a)\\1*?b", "", "aaab", {{0, 4}, {0, 1}}},
         {"(a)(?:x|\\1)*", "", "aaxa", {{0, 4}, {0, 1}}},
-    });
-}
-
-TEST(RegExpMatch, OptionChanges) {
-    RunCases({
+        // Option changes
         {"(?i)ab", "", "AB", {{0, 2}}},
         {"a(?i)b", "", "aB", {{0, 2}}},
         {"a(?i)b", "", "AB", {}},
@@ -153,11 +120,7 @@ TEST(RegExpMatch, OptionChanges) {
         {"(?m)^b", "", "a\nb", {{2, 1}}},
         {"(?-i)a", "i", "A", {}},
         {"(?x) a b # c", "", "ab", {{0, 2}}},
-    });
-}
-
-TEST(RegExpMatch, LookAround) {
-    RunCases({
+        // Look-around
         {"a(?=b)", "", "acab", {{2, 1}}},
         {"a(?!b)", "", "abac", {{2, 1}}},
         {"(?<=a)b", "", "cbab", {{3, 1}}},
@@ -169,11 +132,7 @@ TEST(RegExpMatch, LookAround) {
         {"(?!(a)b)a", "", "aab", {{0, 1}, kUnset}},
         {"(?=a)?b", "", "b", {{0, 1}}},
         {"a(?=c|b)", "", "ab", {{0, 1}}},
-    });
-}
-
-TEST(RegExpMatch, AtomicGroups) {
-    RunCases({
+        // Atomic groups
         {"(?>a+)b", "", "aaab", {{0, 4}}},
         {"(?>a+)a", "", "aaa", {}},
         {"(?>a|ab)c", "", "abc", {}},
@@ -181,11 +140,7 @@ TEST(RegExpMatch, AtomicGroups) {
         {"(?>a)*?b", "", "aab", {{0, 3}}},
         {"(?>a|b){2}b", "", "abb", {{0, 3}}},
         {"(?>(a)+)", "", "aa", {{0, 2}, {1, 1}}},
-    });
-}
-
-TEST(RegExpMatch, Conditionals) {
-    RunCases({
+        // Conditionals
         {"(a)?(?(1)b|c)", "", "ab", {{0, 2}, {0, 1}}},
         {"(a)?(?(1)b|c)", "", "c", {{0, 1}, kUnset}},
         {"(a)?(?(1)b)c", "", "c", {{0, 1}, kUnset}},
@@ -193,14 +148,8 @@ TEST(RegExpMatch, Conditionals) {
         {"(?(?!a)cd|ab)", "", "ab", {{0, 2}}},
         {"(?:(a)|b(?(1)x|y))+", "", "abx", {{0, 3}, {0, 1}}},
         {"(?:(a)|b(?(1)x|y))+", "", "by", {{0, 2}, kUnset}},
-    });
-}
-
-// Top-level alternatives are tried in order at one position before the
-// next; an alternation of literals reports the earliest alternative among
-// those found at the leftmost index.
-TEST(RegExpMatch, Alternatives) {
-    RunCases({
+        // Alternatives: top-level alternatives are tried in order at one position before the next; an
+        // alternation of literals reports the earliest alternative among those found at the leftmost index.
         {"cat|dog|do", "", "hotdog", {{3, 3}}},
         {"do|dog", "", "hotdog", {{3, 2}}},
         {"x|y", "", "ayx", {{1, 1}}},
@@ -210,18 +159,20 @@ TEST(RegExpMatch, Alternatives) {
         {"^a|b", "", "cb", {{1, 1}}},
         {"x+|(y)", "", "y", {{0, 1}, {0, 1}}},
         {"AB|CD", "i", "xcd", {{1, 2}}},
-    });
-}
-
-// A match can end no later than the last occurrence of a literal that
-// only repeat records follow; a lookahead cannot look past it either.
-TEST(RegExpMatch, LastLiteralBoundsTheSubject) {
-    RunCases({
+        // The last literal bounds the subject: a match can end no later than the last occurrence of a literal that
+        // only repeat records follow; a lookahead cannot look past it either.
         {"a.*b", "", "axbxxbx", {{0, 6}}},
         {"a+", "", "baaab", {{1, 3}}},
         {"x\\w*Y", "i", "xaybyc", {{0, 5}}},
         {"(?=abc)ab", "", "xabc", {}},
-    });
+    };
+    for (const Case& c : cases) {
+        CompiledRegExp re(c.pattern, c.options);
+        ASSERT_EQ(re.status(), 0) << c.pattern;
+        const vkptest::SearchResult r = re.Search(c.subject);
+        EXPECT_EQ(r.status, 0) << c.pattern << " on " << c.subject;
+        EXPECT_EQ(r.records, c.records) << c.pattern << " (" << c.options << ") on \"" << c.subject << "\"";
+    }
 }
 
 // Each matched item nests one level and reaching the end one more: with
