@@ -2,6 +2,7 @@
 // block and kept in its work area.
 #include "regexp/find/analysis.h"
 
+#include "regexp/find/lead_literals.h"
 #include "regexp/match/items.h"
 
 namespace vkp::regexp {
@@ -185,6 +186,23 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     a->filter.run = run;
 }
 
+// Compiles the literals every match begins with one of into the block: the
+// literal search takes them all in one pass, or the start filter finds
+// where a match can begin with them (a group of two or more, none led by a
+// byte that could stand inside a character).
+void UseLeadLiterals(RegExpState* state, int highest, Analysis* a) {
+    LeadLiterals lead;
+    const bool literals = a->strategy == Strategy::kLiterals;
+    if (!literals && (a->filter.mode == StartFilter::kNone || a->anchorMode != kAnchorAnywhere)) return;
+    if (!FindLeadLiterals(ProgramOf(state), state->instructionCount, state->options, literals, &lead)) return;
+    if (!literals && lead.highLed) return;
+    a->leadSet = PlaceLeadLiterals(state, highest, lead);
+    if (a->leadSet && !literals) {
+        a->filter.mode = StartFilter::kLiteralSet;
+        a->filter.literals = a->leadSet;
+    }
+}
+
 }  // namespace
 
 int Analyze(const Instruction* program, int count, u32 options, GroupEntry* groups, Analysis* a) {
@@ -271,6 +289,7 @@ const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept) {
         *kept = false;
         return local;
     }
+    UseLeadLiterals(state, highest, local);
     *cached = *local;
     cached->stamp = kAnalysisStamp;
     return cached;

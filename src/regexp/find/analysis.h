@@ -49,8 +49,11 @@ struct Analysis {
     u8 possessive[kPossessiveBits / 8];
     ClassBits classes[kClassSlots];  // ASCII members of classes, for the matcher
     u8 anyClass;           // some slot of `classes` is used
+    // The literals every match begins with one of, compiled into the block
+    // (lead_literals.h), or null.
+    const kernels::LiteralSet* leadSet;
 };
-static_assert(sizeof(Analysis) <= kAnalysisBytes);
+static_assert(sizeof(Analysis) <= kAnalysisBytes - 4);  // the block's size follows
 
 // The analysis for the block's program: the kept one when it is valid for
 // the header, else worked out now (filling the group table) and kept when
