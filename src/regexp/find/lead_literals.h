@@ -20,11 +20,12 @@ struct LeadLiterals {
 // list while the set is built).
 constexpr int kMaxLeadLiterals = 1000;
 
-// The literals of a program that is literals between top-level bars
-// (literalsOnly: compared as the options say), or that has no top-level
-// bar and begins with a group, no repeat behind it, whose body is literals
-// between its own bars. False for any other program, and for literals
-// that a caseless comparison could match outside ASCII.
+// The literals of a program that is two or more literals between
+// top-level bars (literalsOnly: compared as the options say), or that has
+// no top-level bar and begins with a group, no repeat behind it, whose body
+// is two or more literals between its own bars. False for any other
+// program, and for literals that a caseless comparison could match outside
+// ASCII.
 bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool literalsOnly, LeadLiterals* out);
 
 // Compiles them into the room the group table (ids up to highestGroup)
