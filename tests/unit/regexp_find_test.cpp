@@ -151,15 +151,15 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
     const char* const kPieces[] = {"a", "a", "b", "b", "ab", "_", "1", "@", ":", "-", ".", "i", "n", "g",
                                    "c", "A", "B", " ", "\n", "`", "\xc2\x80" "a", "\x80"};
-    // Alternations of 3 to 40 random literals, alone and leading a pattern.
+    // Alternations of 3 to 1500 random literals, alone and leading a pattern.
     // (Not led by a continuation byte: the literal search alone finds one
     // inside a character, where the matcher never starts.)
     const char* const kLetters[] = {"a", "b", "ab", "_", "1", "@", "i", "n", "g\x80", "A", "B", "\xc2\x80"};
-    for (int n : {3, 12, 40}) {
+    for (int n : {3, 12, 40, 1500}) {  // 1500: the list of literals goes behind the program
         std::string lits;
         for (int k = 0; k < n; ++k) {
             lits += k ? "|" : "";
-            for (int m = vkptest::RandomInt(rng, 1, 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
+            for (int m = vkptest::RandomInt(rng, n > 40 ? 3 : 1, n > 40 ? 6 : 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
         }
         pairs.push_back({lits, "(?:" + lits + "|(?!))"});
         pairs.push_back({"(?:" + lits + ")[gn]", "(?:" + lits + "|(?!))[gn]"});

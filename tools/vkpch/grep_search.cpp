@@ -145,7 +145,7 @@ bool GrepPatterns::AddEntry(const std::string& body, const std::string& options,
 // option, bytes of multi-byte characters) are searched as alternations:
 // one pass over the text for each, rather than one for each pattern.
 bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s, const std::string& options) {
-    constexpr size_t kJoinedPatterns = 1000;
+    constexpr size_t kJoinedPatterns = 10000;
     const bool extended = options.find('x') != std::string::npos;
     if (s.patterns.size() < 2 || s.line || s.word) return true;
     for (const std::string& p : s.patterns)

@@ -59,7 +59,7 @@ private:
     bool AddEntry(const std::string& body, const std::string& options, bool nullData, std::vector<Entry>* to);
     bool JoinPlainPatterns(const GrepSettings& s, const std::string& options);
     std::vector<Entry> entries_;
-    // Plain-text patterns joined into alternations of up to a thousand
+    // Plain-text patterns joined into alternations of up to ten thousand
     // each, which the library searches for all at once: what line selection
     // searches when there are any (an alternation matches where one of its
     // patterns does).

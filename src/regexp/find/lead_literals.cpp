@@ -59,11 +59,27 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
 const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGroup, const LeadLiterals& lead) {
     const Instruction* prog = ProgramOf(state);
     const int n = (lead.last - lead.first) / 2 + 1;
-    // The list of literals, in the records area: nothing reads it before
-    // the search writes its records.
-    auto* lits = reinterpret_cast<const u8**>(RecordsOf(state));
+    // The room behind the program and its literal bytes, up to the block's end.
+    uintptr_t tail = reinterpret_cast<uintptr_t>(prog + state->instructionCount);
+    uintptr_t tailEnd = reinterpret_cast<uintptr_t>(state) + BlockBytesOf(state);
+    for (int i = 0; i < state->instructionCount; ++i)
+        if (prog[i].op == OP_STRING) {
+            const uintptr_t end = reinterpret_cast<uintptr_t>(prog[i].d) + static_cast<uintptr_t>(prog[i].b);
+            if (end > tail && end <= tailEnd) tail = end;
+        }
+    tail = Align8(tail);
+    // The list of literals while the set is built: in the records area,
+    // which nothing reads before the search writes its records, or else at
+    // the end of that room.
+    const size_t listBytes = static_cast<size_t>(n) * (sizeof(u8*) + sizeof(int));
+    u8* list = reinterpret_cast<u8*>(RecordsOf(state));
+    if (listBytes > static_cast<size_t>(kWorkSecondPart)) {
+        if (tail + listBytes > tailEnd) return nullptr;
+        tailEnd = (tailEnd - listBytes) & ~uintptr_t(7);
+        list = reinterpret_cast<u8*>(tailEnd);
+    }
+    auto* lits = reinterpret_cast<const u8**>(list);
     int* lens = reinterpret_cast<int*>(lits + n);
-    static_assert(kMaxLeadLiterals * (sizeof(u8*) + sizeof(int)) <= kWorkSecondPart);
     size_t total = 0;
     for (int k = 0; k < n; ++k) {
         const Literal lit = LiteralOf(prog[lead.first + 2 * k]);
@@ -72,32 +88,16 @@ const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGrou
         total += static_cast<size_t>(lit.length);
     }
     const size_t need = kernels::LiteralSetBytes(n, total);
-    u8* const base = reinterpret_cast<u8*>(state);
-    // The work area between the group table and the analysis.
+    // The work area between the group table and the analysis, else the tail.
     const uintptr_t groupsEnd = Align8(reinterpret_cast<uintptr_t>(state->workArea) +
                                        static_cast<uintptr_t>(highestGroup + 1) * sizeof(GroupEntry));
     const uintptr_t analysisAt = reinterpret_cast<uintptr_t>(state->workArea + kAnalysisOffset);
-    void* room = nullptr;
-    size_t roomBytes = 0;
-    if (groupsEnd + need <= analysisAt) {
-        room = reinterpret_cast<void*>(groupsEnd);
-        roomBytes = analysisAt - groupsEnd;
-    } else {
-        // Behind the program and its literal bytes, up to the block's end.
-        uintptr_t used = reinterpret_cast<uintptr_t>(prog + state->instructionCount);
-        const uintptr_t blockEnd = reinterpret_cast<uintptr_t>(base) + BlockBytesOf(state);
-        for (int i = 0; i < state->instructionCount; ++i)
-            if (prog[i].op == OP_STRING) {
-                const uintptr_t end = reinterpret_cast<uintptr_t>(prog[i].d) + static_cast<uintptr_t>(prog[i].b);
-                if (end > used && end <= blockEnd) used = end;
-            }
-        used = Align8(used);
-        if (used + need > blockEnd) return nullptr;
-        room = reinterpret_cast<void*>(used);
-        roomBytes = blockEnd - used;
-    }
-    if (!kernels::BuildLiteralSet(lits, lens, n, lead.caseless, room, roomBytes)) return nullptr;
-    return static_cast<const kernels::LiteralSet*>(room);
+    uintptr_t room = groupsEnd, roomEnd = analysisAt;
+    if (groupsEnd + need > analysisAt) room = tail, roomEnd = tailEnd;
+    if (room + need > roomEnd) return nullptr;
+    void* mem = reinterpret_cast<void*>(room);
+    if (!kernels::BuildLiteralSet(lits, lens, n, lead.caseless, mem, roomEnd - room)) return nullptr;
+    return static_cast<const kernels::LiteralSet*>(mem);
 }
 
 }  // namespace vkp::regexp

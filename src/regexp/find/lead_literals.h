@@ -16,9 +16,8 @@ struct LeadLiterals {
     bool highLed = false;   // one begins with a byte at or above 0x80
 };
 
-// The most literals a set of them takes (the room the block has for the
-// list while the set is built).
-constexpr int kMaxLeadLiterals = 1000;
+// The most literals a set of them takes.
+constexpr int kMaxLeadLiterals = 1 << 16;
 
 // The literals of a program that is two or more literals between
 // top-level bars (literalsOnly: compared as the options say), or that has
