@@ -23,10 +23,18 @@ using literal_detail::FoldWord;
 // hash; the bit of its first three bytes in the prefix filter, another hash;
 // its chain, a third.
 VKP_INLINE u32 KeyOf(u32 x, int k) { return k == 4 ? x : x & ((1u << (8 * k)) - 1); }
-VKP_INLINE u32 FilterBit(u32 key, int k) {
-    return k < 3 ? key : (key * (k == 3 ? 0xC2B2AE35u : 0x27D4EB2Fu)) >> 16;
+VKP_INLINE u32 FilterBit(u32 key, int k, int log) {
+    if (k == 1 || (k == 2 && log == 16)) return key;
+    return (key * (k == 2 ? 0x165667B1u : k == 3 ? 0xC2B2AE35u : 0x27D4EB2Fu)) >> (32 - log);
 }
-VKP_INLINE u32 PrefixBit(u32 x) { return ((x & 0xFFFFFF) * 0x9E3779B1u) >> 16; }
+VKP_INLINE u32 PrefixBit(u32 x, int log) { return ((x & 0xFFFFFF) * 0x9E3779B1u) >> (32 - log); }
+
+// Filter bits of the table form: about sixteen a literal.
+int FilterLog(int count) {
+    int log = LiteralSet::kMinFilterLog;
+    while (log < LiteralSet::kMaxFilterLog && (1 << log) < 16 * count) ++log;
+    return log;
+}
 VKP_INLINE u32 ChainOf(u32 key, int k, u32 mask) { return ((key + u32(k) * 0x7F4A7C15u) * 0x85EBCA6Bu >> 7) & mask; }
 
 VKP_INLINE u32 TestBit(const u8* bits, u32 i) { return (bits[i >> 3] >> (i & 7)) & 1u; }
@@ -84,19 +92,21 @@ void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at)
     u32* head = reinterpret_cast<u32*>(mem + set->headsOff);
     u8* filters = mem + set->filtersOff;
     for (u32 h = 0; h < heads; ++h) head[h] = LiteralSet::kNoEntry;
-    for (u32 i = 0; i < LiteralSet::kFilterBytes; ++i) filters[i] = 0;
+    set->filterLog = u8(FilterLog(count));
+    const int log = set->filterLog;
+    for (u32 i = 0; i < LiteralSet::FilterBytes(log); ++i) filters[i] = 0;
     for (int i = count - 1; i >= 0; --i) {
         const int k = e[i].len < 4 ? int(e[i].len) : 4;
         u32 x = 0;
         for (int j = 0; j < k; ++j) x |= u32(set->At(e[i].offset)[j]) << (8 * j);
-        const u32 h = ChainOf(x, k, set->headMask), bit = FilterBit(x, k);
+        const u32 h = ChainOf(x, k, set->headMask), bit = FilterBit(x, k, log);
         e[i].next = head[h];
         head[h] = u32(i);
         set->keyKinds |= u8(1u << (k - 1));
-        filters[LiteralSet::kFilterOffset[k - 1] + (bit >> 3)] |= u8(1u << (bit & 7));
+        filters[set->FilterOffset(k) + (bit >> 3)] |= u8(1u << (bit & 7));
         if (k >= 3) {
-            const u32 pre = PrefixBit(x);
-            filters[LiteralSet::kFilterOffset[4] + (pre >> 3)] |= u8(1u << (pre & 7));
+            const u32 pre = PrefixBit(x, log);
+            filters[set->FilterOffset(5) + (pre >> 3)] |= u8(1u << (pre & 7));
         }
     }
 }
@@ -107,7 +117,7 @@ size_t LiteralSetBytes(int count, size_t totalBytes) {
     if (count < 1 || count > kMaxLiterals) return 0;
     size_t n = Align8(sizeof(LiteralSet)) + sizeof(LiteralEntry) * size_t(count) + Align8(totalBytes);
     if (count > kMaxBucketLiterals)
-        n += 4 * size_t(HeadCount(count)) + LiteralSet::kFilterBytes;
+        n += 4 * size_t(HeadCount(count)) + LiteralSet::FilterBytes(FilterLog(count));
     return n;
 }
 
@@ -154,13 +164,14 @@ namespace {
 template <bool kShort, class Visit>
 int ScanTable(const u8* s, int len, const LiteralSet* set, Visit& visit) {
     const u8* f1 = set->At(set->filtersOff);
-    const u8* f2 = f1 + LiteralSet::kFilterOffset[1];
-    const u8* fp = f1 + LiteralSet::kFilterOffset[4];
+    const u8* f2 = f1 + set->FilterOffset(2);
+    const u8* fp = f1 + set->FilterOffset(5);
+    const int log = set->filterLog;
     const bool folded = set->folded;
     const int lastPos = len - int(set->minLen);
     auto passes = [&](u32 x) {
-        u32 pass = TestBit(fp, PrefixBit(x));
-        if constexpr (kShort) pass |= TestBit(f2, x & 0xFFFF) | TestBit(f1, x & 0xFF);
+        u32 pass = TestBit(fp, PrefixBit(x, log));
+        if constexpr (kShort) pass |= TestBit(f2, FilterBit(x & 0xFFFF, 2, log)) | TestBit(f1, x & 0xFF);
         return pass;
     };
     int p = 0;
@@ -197,7 +208,7 @@ VKP_INLINE void ForChains(const LiteralSet* set, u32 x, Fn fn) {
     const u8* filters = set->At(set->filtersOff);
     for (int k = 4; k >= 1; --k) {
         if (!((set->keyKinds >> (k - 1)) & 1) ||
-            !TestBit(filters + LiteralSet::kFilterOffset[k - 1], FilterBit(KeyOf(x, k), k)))
+            !TestBit(filters + set->FilterOffset(k), FilterBit(KeyOf(x, k), k, set->filterLog)))
             continue;
         for (u32 i = head[ChainOf(KeyOf(x, k), k, set->headMask)]; i != LiteralSet::kNoEntry; i = e[i].next)
             if (fn(e[i])) break;

@@ -62,6 +62,7 @@ struct LiteralSet {
     u8 folded;          // caseless
     u8 prefix;          // bucket form: bytes filtered, 1 to 3
     u8 keyKinds;        // table form: bit k - 1 for the key lengths k (1 to 4) held
+    u8 filterLog;       // table form: the filters below hold 2^filterLog bits
     // Bucket form: byte c at prefix position k passes for bucket b when bit b
     // is set in lo[k][c & 15] and in hi[k][c >> 4].
     u8 lo[3][16], hi[3][16];
@@ -71,15 +72,17 @@ struct LiteralSet {
     u32 headsOff, headMask, filtersOff;
 
     static constexpr u32 kNoEntry = 0xFFFFFFFFu;
-    // Bit filters of the table form, one per key length k at
-    // kFilterOffset[k - 1]: the byte of one-byte literals (256 bits), the
-    // two bytes of two-byte ones (65536 bits), 16-bit hashes of the three
-    // bytes of three-byte ones and of the first four of longer ones. And at
-    // kFilterOffset[4], a 16-bit hash of the first three bytes of every
-    // literal of three or more: one test a position for most sets, the key
-    // filter then tested before a chain is walked.
-    static constexpr u32 kFilterOffset[5] = {0, 32, 32 + 8192, 32 + 2 * 8192, 32 + 3 * 8192};
-    static constexpr u32 kFilterBytes = 32 + 4 * 8192;
+    // Bit filters of the table form, one per key length k at FilterOffset(k):
+    // the byte of one-byte literals (256 bits), the two bytes of two-byte
+    // ones (exact at 2^16 bits, else hashed), hashes of the three bytes of
+    // three-byte ones and of the first four of longer ones. And at
+    // FilterOffset(5), a hash of the first three bytes of every literal of
+    // three or more: one test a position for most sets, the key filter then
+    // tested before a chain is walked. The hashed filters have 2^filterLog
+    // bits, from 2^12 to 2^16 as the count grows: a small set stays small.
+    static constexpr int kMinFilterLog = 12, kMaxFilterLog = 16;
+    static constexpr u32 FilterBytes(int log) { return 32 + 4 * (u32(1) << log) / 8; }
+    u32 FilterOffset(int k) const { return k == 1 ? 0 : 32 + u32(k - 2) * ((u32(1) << filterLog) / 8); }
 
     const LiteralEntry* Entries() const {
         return reinterpret_cast<const LiteralEntry*>(reinterpret_cast<const u8*>(this) + entriesOff);

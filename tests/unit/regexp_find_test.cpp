@@ -192,9 +192,11 @@ TEST(RegExpFind, StartPositionsFollowTheFormat) {
 // the compiler keeps as groups and none of them sees through.
 TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     vkptest::Rng rng(7);
-    const std::pair<const char*, const char*> pairs[] = {
-        {"ab|ba|b", "(?:ab|ba|b)"},           // alternation of literals
-        {"aab|ab", "(?:aab|ab)"},
+    std::vector<std::pair<std::string, std::string>> pairs = {
+        {"ab|ba|b", "(?:ab|ba|b|(?!))"},           // alternation of literals
+        {"aab|ab", "(?:aab|ab|(?!))"},
+        {"(?:ab|ba|b)n", "(?:ab|ba|b|(?!))n"},     // ... leading a longer pattern
+        {"(ab|A@|g)\\w?", "(ab|A@|g|(?!))\\w?"},
         {"abc(a)", "(?:abc|(?!))(a)"},             // leading literal and a group
         {"ba+", "(?:b|(?!))a+"},
         {"a\\w*b", "a\\w*(?:b|(?!))"},             // the last literal
@@ -225,10 +227,23 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
     const char* const kPieces[] = {"a", "a", "b", "b", "ab", "_", "1", "@", ":", "-", ".", "i", "n", "g",
                                    "c", "A", "B", " ", "\n", "`", "\xc2\x80" "a", "\x80"};
+    // Alternations of 3 to 1500 random literals, alone and leading a pattern.
+    // (Not led by a continuation byte: the literal search alone finds one
+    // inside a character, where the matcher never starts.)
+    const char* const kLetters[] = {"a", "b", "ab", "_", "1", "@", "i", "n", "g\x80", "A", "B", "\xc2\x80"};
+    for (int n : {3, 12, 40, 1500}) {  // 1500: the list of literals goes behind the program
+        std::string lits;
+        for (int k = 0; k < n; ++k) {
+            lits += k ? "|" : "";
+            for (int m = vkptest::RandomInt(rng, n > 40 ? 3 : 1, n > 40 ? 6 : 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
+        }
+        pairs.push_back({lits, "(?:" + lits + "|(?!))"});
+        pairs.push_back({"(?:" + lits + ")[gn]", "(?:" + lits + "|(?!))[gn]"});
+    }
     for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {
           for (int format : {1, 0}) {  // UTF-8 (the default), bytes
-            CompiledRegExp a(fast, options), b(plain, options);
+            CompiledRegExp a(fast.c_str(), options), b(plain.c_str(), options);
             ASSERT_EQ(a.status(), 0) << fast;
             ASSERT_EQ(b.status(), 0) << plain;
             vkpsRegExpSetFormat(format, a.state());

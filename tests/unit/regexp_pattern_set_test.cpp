@@ -23,7 +23,10 @@ struct Slot {
 };
 
 TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
-    const char* const patterns[] = {"a+", "(b)(c)?", "\\d+", "x|yz", "q", "^a", "(?<=b)a*"};
+    // Patterns with and without a byte or pair their search needs (which
+    // the set examines once per subject).
+    const char* const patterns[] = {"a+", "(b)(c)?", "\\d+", "x|yz", "q", "^a", "(?<=b)a*", "ab", "(?i)Yz",
+                                    "bc\\w*", "\\w+q", "(?:a|aa){3,}b", "\x80" "a"};
     std::vector<std::unique_ptr<CompiledRegExp>> compiled;
     for (const char* p : patterns) compiled.push_back(std::make_unique<CompiledRegExp>(p, "g"));
     compiled.push_back(std::make_unique<CompiledRegExp>("(a)(b)", ""));
@@ -33,7 +36,7 @@ TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
         return k == int(compiled.size()) ? reinterpret_cast<const vkpRegExpState*>(blank.data()) : compiled[size_t(k)]->state();
     };
     vkptest::Rng rng(5407);
-    for (int capacity = 1; capacity <= 11; ++capacity) {
+    for (int capacity : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 40}) {  // 40: the set examines the subject once
         int size = 0;
         ASSERT_EQ(vkpsRegExpMultiGetSize(capacity, &size), 0);
         ASSERT_EQ(size, 12 * capacity + 24);
@@ -85,7 +88,10 @@ TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
             if (op % 8) continue;
             // Search: a record per used slot as that pattern's own search;
             // records of free slots stay as they were.
-            const std::string subject = "xaab1c2bc yz" + std::to_string(op);
+            const char* const pieces[] = {"a", "aa", "b", "c", "1", "x", "yz", "Y", "q", " ", "\x80", "B"};
+            std::string subject = "x";
+            for (int n = vkptest::RandomInt(rng, 0, 30); n > 0; --n) subject += pieces[vkptest::RandomInt(rng, 0, 11)];
+            if (op % 16 == 0) subject = std::string(300, ' ') + subject;  // past the driver's short-subject tests
             std::vector<vkpRegExpFind> records(static_cast<size_t>(capacity) * 8);
             std::vector<vkpRegExpMultiFind> results(static_cast<size_t>(capacity));
             for (int i = 0; i < capacity; ++i)

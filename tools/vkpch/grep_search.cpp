@@ -124,13 +124,37 @@ bool GrepPatterns::Compile(const GrepSettings& s) {
         if (options.find('x') != std::string::npos) body += '\n';  // ends a trailing comment
         if (s.line) body = "^(?:" + body + ")$";
         else if (s.word) body = "(?<!\\w)(?:" + body + ")(?!\\w)";
-        vkpch::Regex re(body, options);
-        if (!re.ok()) {
-            ReportPatternError(body, re.status(), re.errorOffset());
-            return false;
-        }
-        const Reach reach = s.nullData ? Reach{false, false} : Classify(re.state());
-        entries_.push_back({std::move(re), reach.acrossLines, reach.exact});
+        if (!AddEntry(body, options, s.nullData, &entries_)) return false;
+    }
+    return JoinPlainPatterns(s, options);
+}
+
+bool GrepPatterns::AddEntry(const std::string& body, const std::string& options, bool nullData,
+                            std::vector<Entry>* to) {
+    vkpch::Regex re(body, options);
+    if (!re.ok()) {
+        ReportPatternError(body, re.status(), re.errorOffset());
+        return false;
+    }
+    const Reach reach = nullData ? Reach{false, false} : Classify(re.state());
+    to->push_back({std::move(re), reach.acrossLines, reach.exact});
+    return true;
+}
+
+// Many patterns of plain text (letters, digits, '_', spaces outside the x
+// option, bytes of multi-byte characters) are searched as alternations:
+// one pass over the text for each, rather than one for each pattern.
+bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s, const std::string& options) {
+    constexpr size_t kJoinedPatterns = 10000;
+    const bool extended = options.find('x') != std::string::npos;
+    if (s.patterns.size() < 2 || s.line || s.word) return true;
+    for (const std::string& p : s.patterns)
+        if (p.empty() || Escape(p) != p || (extended && p.find(' ') != std::string::npos)) return true;
+    for (size_t first = 0; first < s.patterns.size(); first += kJoinedPatterns) {
+        std::string body;
+        for (size_t k = first; k < s.patterns.size() && k < first + kJoinedPatterns; ++k)
+            body += (k > first ? "|" : "") + s.patterns[k];
+        if (!AddEntry(body, options, s.nullData, &joined_)) return false;
     }
     return true;
 }
@@ -140,7 +164,7 @@ bool GrepPatterns::LineMatches(const char* p, size_t n, bool* limit) {
         *limit = true;
         return false;
     }
-    for (Entry& e : entries_) {
+    for (Entry& e : joined_.empty() ? entries_ : joined_) {
         records_.resize(size_t(e.re.groupCount()));
         int count = int(records_.size());
         const vkpStatus st = vkpsRegExpFind_8u(reinterpret_cast<const vkp8u*>(p), int(n), e.re.state(),
@@ -153,7 +177,7 @@ bool GrepPatterns::LineMatches(const char* p, size_t n, bool* limit) {
 
 const char* GrepPatterns::NextMatchingLine(const char* p, const char* end, bool* limit) {
     const char* best = end + 1;  // no matching line
-    for (Entry& e : entries_) {
+    for (Entry& e : joined_.empty() ? entries_ : joined_) {
         const char* from = p;
         // The line that holds the first match of a search from `from` to the
         // end of the best line so far; then checked alone when needed.

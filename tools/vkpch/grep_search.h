@@ -55,7 +55,15 @@ private:
         bool acrossLines;  // a search over many lines finds each line's matches
         bool exact;        // and only them: no match needs checking on its line alone
     };
+    // Compiles body into a new entry of *to; false after reporting an error.
+    bool AddEntry(const std::string& body, const std::string& options, bool nullData, std::vector<Entry>* to);
+    bool JoinPlainPatterns(const GrepSettings& s, const std::string& options);
     std::vector<Entry> entries_;
+    // Plain-text patterns joined into alternations of up to ten thousand
+    // each, which the library searches for all at once: what line selection
+    // searches when there are any (an alternation matches where one of its
+    // patterns does).
+    std::vector<Entry> joined_;
     std::vector<vkpRegExpFind> records_;
 };
 

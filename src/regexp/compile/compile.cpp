@@ -21,6 +21,7 @@ Status Compile(const char* pattern, const char* options, RegExpState* state, int
     if (Status s = PreScan(pattern, len, bits, &captures, errOffset)) return s;
     state->magic = kRegExpMagic;
     ClearAnalysisStamp(state);  // a recompile must not find the old pattern's analysis
+    StoreBlockBytes(state, static_cast<u32>(BlockSize(len)));
     state->options = bits;
     state->groupCount = captures + 1;
     state->format = kFormatUtf8;

@@ -42,6 +42,18 @@ constexpr int kAnalysisOffset = kWorkFirstPart - kAnalysisBytes;
 
 VKP_INLINE void ClearAnalysisStamp(RegExpState* s) { __builtin_memset(s->workArea + kAnalysisOffset, 0, 4); }
 
+// The first part's last word keeps the block's size, written by the
+// compiler, so that the find driver can use the room behind the literal
+// bytes. The group table's entry for the highest id covers it: it is read
+// only when the group table ends before it.
+constexpr int kBlockBytesOffset = kWorkFirstPart - 4;
+VKP_INLINE void StoreBlockBytes(RegExpState* s, u32 n) { __builtin_memcpy(s->workArea + kBlockBytesOffset, &n, 4); }
+VKP_INLINE u32 BlockBytesOf(const RegExpState* s) {
+    u32 n;
+    __builtin_memcpy(&n, s->workArea + kBlockBytesOffset, 4);
+    return n;
+}
+
 VKP_INLINE Instruction* ProgramOf(RegExpState* s) {
     return reinterpret_cast<Instruction*>(reinterpret_cast<u8*>(s) + kHeadSize);
 }

@@ -2,13 +2,14 @@
 // block and kept in its work area.
 #include "regexp/find/analysis.h"
 
+#include "regexp/find/lead_literals.h"
+#include "regexp/find/subject_print.h"
 #include "regexp/match/items.h"
 
 namespace vkp::regexp {
 
 namespace {
 
-constexpr u32 kAnalysisStamp = 0x5EA2C4B1;
 constexpr int kMaxWalkDepth = 64;  // deeper groups are not looked into (no bit set: always safe)
 
 // The group table: for every group id its opener, OP_KET, repeat and
@@ -185,6 +186,45 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     a->filter.run = run;
 }
 
+// Compiles the literals every match begins with one of into the block: the
+// literal search takes them all in one pass, or the start filter finds
+// where a match can begin with them (a group of two or more, none led by a
+// byte that could stand inside a character).
+void UseLeadLiterals(RegExpState* state, int highest, Analysis* a) {
+    LeadLiterals lead;
+    const bool literals = a->strategy == Strategy::kLiterals;
+    if (!literals && (a->filter.mode == StartFilter::kNone || a->anchorMode != kAnchorAnywhere)) return;
+    if (!FindLeadLiterals(ProgramOf(state), state->instructionCount, state->options, literals, &lead)) return;
+    if (!literals && lead.highLed) return;
+    a->leadSet = PlaceLeadLiterals(state, highest, lead);
+    if (a->leadSet && !literals) {
+        a->filter.mode = StartFilter::kLiteralSet;
+        a->filter.literals = a->leadSet;
+    }
+}
+
+// What a subject must hold for the search to get past the literal search
+// or the prefilters: the first two bytes of the one literal of a literal
+// program, or of the literal the start filter searches for (when its scan
+// never falls back to the start bytes), else the required byte. The
+// driver's checks of these end a search with no match before the matcher
+// runs (see find_driver.cpp), so a set may give that result unsearched.
+void SetNeed(const Instruction* prog, int count, Analysis* a) {
+    a->need = kNeedNone;
+    const StartFilter& f = a->filter;
+    if (a->strategy == Strategy::kLiterals) {
+        if (count != 1) return;  // any of the literals will do
+        const Literal lit = LiteralOf(prog[0]);
+        const bool pair = lit.length >= 2 && lit.bytes[0] < 0x80;
+        a->need = pair ? NeedOfPair(lit.bytes[0], lit.bytes[1]) : NeedOfByte(lit.bytes[0]);
+    } else if ((f.mode == StartFilter::kRunBefore || (f.mode == StartFilter::kLiteral && f.literal[0] < 0x80)) &&
+               f.literalLength >= 2) {
+        a->need = NeedOfPair(f.literal[0], f.literal[1]);
+    } else if (a->requiredByte >= 0) {
+        a->need = NeedOfByte(static_cast<u8>(a->requiredByte));
+    }
+}
+
 }  // namespace
 
 int Analyze(const Instruction* program, int count, u32 options, GroupEntry* groups, Analysis* a) {
@@ -253,10 +293,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
 const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept) {
     auto* cached = reinterpret_cast<Analysis*>(state->workArea + kAnalysisOffset);
     *kept = true;
-    if (cached->stamp == kAnalysisStamp && cached->options == state->options &&
-        cached->count == state->instructionCount && cached->groupCount == state->groupCount &&
-        cached->lastLiteralIndex == state->lastLiteralIndex && cached->patternKind == state->patternKind)
-        return cached;
+    if (KeptAnalysis(state)) return cached;
     auto* groups = reinterpret_cast<GroupEntry*>(state->workArea);
     const int highest = Analyze(ProgramOf(state), state->instructionCount, state->options, groups, local);
     local->options = state->options;
@@ -267,10 +304,12 @@ const Analysis* AnalysisFor(RegExpState* state, Analysis* local, bool* kept) {
     local->strategy = local->literalsOnly                                 ? Strategy::kLiterals
                       : state->patternKind == kKindLeadingLiteral ? Strategy::kLeadingLiteral
                                                                           : Strategy::kMatcher;
+    SetNeed(ProgramOf(state), state->instructionCount, local);
     if ((highest + 1) * static_cast<int>(sizeof(GroupEntry)) > kAnalysisOffset) {
         *kept = false;
         return local;
     }
+    UseLeadLiterals(state, highest, local);
     *cached = *local;
     cached->stamp = kAnalysisStamp;
     return cached;

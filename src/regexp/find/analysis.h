@@ -30,6 +30,10 @@ struct Analysis {
     int groupCount;
     int lastLiteralIndex;
     int patternKind;
+    // A byte or a pair of adjacent bytes (subject_print.h) without which the
+    // search ends with no match before it starts the matcher, or kNeedNone;
+    // beside the words a pattern set's test of it reads with it.
+    int need;
     Strategy strategy;
     int anchorMode;        // as MatchStart takes it
     int firstAlternative;  // where MatchStart looks for the next top-level bar
@@ -49,8 +53,23 @@ struct Analysis {
     u8 possessive[kPossessiveBits / 8];
     ClassBits classes[kClassSlots];  // ASCII members of classes, for the matcher
     u8 anyClass;           // some slot of `classes` is used
+    // The literals every match begins with one of, compiled into the block
+    // (lead_literals.h), or null.
+    const kernels::LiteralSet* leadSet;
 };
-static_assert(sizeof(Analysis) <= kAnalysisBytes);
+static_assert(sizeof(Analysis) <= kAnalysisBytes - 4);  // the block's size follows
+
+constexpr u32 kAnalysisStamp = 0x5EA2C4B1;
+
+// The kept analysis when it is valid for the header, else null.
+VKP_INLINE const Analysis* KeptAnalysis(const RegExpState* state) {
+    auto* a = reinterpret_cast<const Analysis*>(state->workArea + kAnalysisOffset);
+    return a->stamp == kAnalysisStamp && a->options == state->options && a->count == state->instructionCount &&
+                   a->groupCount == state->groupCount && a->lastLiteralIndex == state->lastLiteralIndex &&
+                   a->patternKind == state->patternKind
+               ? a
+               : nullptr;
+}
 
 // The analysis for the block's program: the kept one when it is valid for
 // the header, else worked out now (filling the group table) and kept when

@@ -67,17 +67,22 @@ Status NoMatch(int* numMatches) {
 }
 
 // The literal search alone: the leftmost occurrence of any literal, and in
-// a global search the next ones, not overlapping.
-Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, RegExpFind* matches, int* numMatches) {
+// a global search the next ones, not overlapping. All literals in one pass
+// when the analysis compiled them into a set, else one after another.
+Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
+                      int* numMatches) {
     const Instruction* program = ProgramOf(state);
     const bool caseless = (state->options & kOptIgnoreCase) != 0;
     const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
     RegExpFind* records = RecordsOf(state);
     int written = 0;
     for (int pos = 0; written < cap;) {
-        int length = 0;
-        const int i = LeftmostLiteral(program, state->instructionCount, src + pos, srcLen - pos, caseless, &length);
+        int length = 0, which = 0;
+        const int i = an.leadSet ? FindLiteralSet(src + pos, srcLen - pos, an.leadSet, &which)
+                                 : LeftmostLiteral(program, state->instructionCount, src + pos, srcLen - pos,
+                                                   caseless, &length);
         if (i < 0) break;
+        if (an.leadSet) length = LiteralOf(program[2 * which]).length;
         records[0] = {src + pos + i, length};
         matches[written++] = records[0];
         pos += i + length;
@@ -233,7 +238,7 @@ Status MatchAll(MatchContext* ctx, const Analysis& an, const Window& w, const u8
 Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
               int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
     if (an.strategy == Strategy::kLiterals && LiteralSearchServes(state, an))
-        return SearchLiterals(src, srcLen, state, matches, numMatches);
+        return SearchLiterals(src, srcLen, state, an, matches, numMatches);
     Window w{src, srcLen};
     CutBehindLastLiteral(state, &w);
     if (an.strategy != Strategy::kMatcher && !StartAtLeadingLiteral(state, an, &w)) return NoMatch(numMatches);

@@ -221,6 +221,11 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             while (q > pos && f.run.Has(q[-1])) --q;
             return q;
         }
+        case StartFilter::kLiteralSet: {
+            int which;
+            const int i = FindLiteralSet(pos, len, f.literals, &which);
+            return i < 0 ? nullptr : pos + i;
+        }
         case StartFilter::kFew: {
             const int i = FindAnyOf4(pos, len, f.few);
             return i < 0 ? nullptr : pos + i;

@@ -38,7 +38,7 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
@@ -51,6 +51,9 @@ struct StartFilter {
     // the literal back to the start of the run before it.
     ByteSet run{};
     ByteSet set{};
+    // kLiteralSet: every match begins with one of these literals (none
+    // begins with a byte at or above 0x80).
+    const kernels::LiteralSet* literals = nullptr;
 };
 
 // The filter for a program searched from every position.

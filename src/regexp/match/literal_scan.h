@@ -4,12 +4,21 @@
 
 #include "floor/base.h"
 
+namespace vkp::kernels {
+struct LiteralSet;
+}
+
 namespace vkp::regexp {
 
 // First (FindLiteral) or last (FindLiteralRev) index at which the n bytes
 // of lit occur in s[0, len), or -1. With `caseless`, a to z compare as A to Z.
 int FindLiteral(const u8* s, int len, const u8* lit, int n, bool caseless);
 int FindLiteralRev(const u8* s, int len, const u8* lit, int n, bool caseless);
+
+// The leftmost index in s[0, len) at which a literal of the compiled set
+// begins, or -1; the lowest index among the literals that begin there
+// through *which.
+int FindLiteralSet(const u8* s, int len, const kernels::LiteralSet* set, int* which);
 
 // First / last index i below len with (s[i] | 0x20) == lower, or -1; for
 // a lower-case letter, its occurrences in either case.
