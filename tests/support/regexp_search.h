@@ -39,12 +39,13 @@ public:
         return SearchAt(s, length < 0 ? int(subject.size()) : length, capacity);
     }
 
-    // The same with the subject flush against an inaccessible page behind
-    // (or before) it, so that a read outside it crashes the test.
+    // The same with the subject and its terminating zero (the byte behind it
+    // that a word boundary at the end may read) flush against an inaccessible
+    // page behind (or before) them, so that any other read outside crashes.
     SearchResult SearchGuarded(const std::string& subject, int capacity, GuardedBuffer::Guard guard) {
-        GuardedBuffer buf(subject.size(), guard);
-        return SearchAt(buf.fill(reinterpret_cast<const vkp8u*>(subject.data()), subject.size()), int(subject.size()),
-                        capacity);
+        GuardedBuffer buf(subject.size() + 1, guard);
+        return SearchAt(buf.fill(reinterpret_cast<const vkp8u*>(subject.c_str()), subject.size() + 1),
+                        int(subject.size()), capacity);
     }
 
     // `find` is vkpsRegExpFind_8u or a function of the same form.
