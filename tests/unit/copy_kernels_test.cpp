@@ -87,12 +87,12 @@ TEST(CopyKernels, LargeCopiesAndFills) {
 
 TEST(CopyKernels, WrappersCheckTheirArguments) {
     vkp16u a[4] = {1, 2, 3, 4}, b[4] = {};
-    EXPECT_EQ(vkp::kernels::CopyFwd<vkp16u>(nullptr, b, 4), -8);
-    EXPECT_EQ(vkp::kernels::Move<vkp16u>(a, nullptr, 4), -8);
-    EXPECT_EQ(vkp::kernels::CopyFwd<vkp16u>(a, b, 0), -6);
-    EXPECT_EQ(vkp::kernels::Move<vkp16u>(a, b, -1), -6);
-    EXPECT_EQ(vkp::kernels::Zero_8u(nullptr, 1), -8);
-    EXPECT_EQ(vkp::kernels::Zero_8u(reinterpret_cast<vkp8u*>(a), 0), -6);
+    EXPECT_EQ(vkp::kernels::CopyFwd<vkp16u>(nullptr, b, 4), VKP_ERR_NULL);
+    EXPECT_EQ(vkp::kernels::Move<vkp16u>(a, nullptr, 4), VKP_ERR_NULL);
+    EXPECT_EQ(vkp::kernels::CopyFwd<vkp16u>(a, b, 0), VKP_ERR_SIZE);
+    EXPECT_EQ(vkp::kernels::Move<vkp16u>(a, b, -1), VKP_ERR_SIZE);
+    EXPECT_EQ(vkp::kernels::Zero_8u(nullptr, 1), VKP_ERR_NULL);
+    EXPECT_EQ(vkp::kernels::Zero_8u(reinterpret_cast<vkp8u*>(a), 0), VKP_ERR_SIZE);
     EXPECT_EQ(b[0], 0);
     EXPECT_EQ(a[0], 1);
     EXPECT_EQ(vkp::kernels::CopyFwd<vkp16u>(a, b, 3), 0);
