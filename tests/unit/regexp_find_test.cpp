@@ -220,6 +220,13 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"[^\\n:]*[:\\n]", "(?:[^\\n:]|(?!))*[:\\n]"},
         {"\\S{2,30}\\s", "(?:\\S|(?!)){2,30}\\s"},  // runs of a type
         {"\\D+@", "(?:\\D|(?!))+@"},
+        {"\\w{1,3}\\.a", "\\w{1,3}(?:\\.a|(?!))"},        // a literal near the start
+        {"(?:\\w\\d?){2}:\\w", "(?:\\w\\d?){2}(?::|(?!))\\w"},
+        {"\\b(?:[ab]{1,2}-){2}", "\\b(?:[ab]{1,2}(?:-|(?!))){2}"},
+        {"\\b.{0,2}@b", "\\b.{0,2}(?:@b|(?!))"},  // ... behind characters of several bytes
+        {"\\w[^\\n]{1,2}Ab", "\\w[^\\n]{1,2}(?:Ab|(?!))"},
+        {"(?=\\w)\\w?(a|b)?-", "(?=\\w)\\w?(a|b)?(?:-|(?!))"},
+        {"\\x{80}?\\w:", "\\x{80}?\\w(?::|(?!))"},
         {"aB", "aB(?:)"},                         // a program that is one literal
         {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte
         {"b", "b(?:)"},

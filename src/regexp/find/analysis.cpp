@@ -2,6 +2,7 @@
 // block and kept in its work area.
 #include "regexp/find/analysis.h"
 
+#include "regexp/find/inner_literal.h"
 #include "regexp/find/lead_literals.h"
 #include "regexp/find/subject_print.h"
 #include "regexp/match/items.h"
@@ -186,6 +187,24 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     a->filter.run = run;
 }
 
+// A literal every match holds near its start, searched for instead of the
+// bytes a match begins with when those are frequent: a set of several
+// bytes (digits, word bytes), or one byte where the literal is longer.
+void FilterInnerLiteral(const Instruction* prog, int count, u32 options, Analysis* a) {
+    StartFilter& f = a->filter;
+    const bool bytesOnly = f.mode == StartFilter::kByte || f.mode == StartFilter::kFolded ||
+                           f.mode == StartFilter::kFew || f.mode == StartFilter::kAscii || f.mode == StartFilter::kAny;
+    InnerLiteral inner;
+    if (!bytesOnly || !FindInnerLiteral(prog, count, options, &inner)) return;
+    if (inner.length < 2 && f.set.Count() < 3) return;
+    f.mode = StartFilter::kInnerLiteral;
+    f.literal = inner.bytes;
+    f.literalLength = inner.length;
+    f.caseless = inner.caseless;
+    f.innerMin = inner.minBefore;
+    f.innerMax = inner.maxBefore;
+}
+
 // Compiles the literals every match begins with one of into the block: the
 // literal search takes them all in one pass, or the start filter finds
 // where a match can begin with them (a group of two or more, none led by a
@@ -279,6 +298,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     if (a->anchorMode == kAnchorAnywhere && firstBar == count) FilterRunBefore(program, count, options, a);
+    FilterInnerLiteral(program, count, options, a);
     // A required byte that the start filter searches for adds a second scan
     // of what the filter scans; the driver then tests the filter's literal
     // instead, on short subjects only, where that saves setting up the

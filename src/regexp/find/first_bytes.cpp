@@ -195,6 +195,30 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
     return f;
 }
 
+namespace {
+
+// The first start from pos on that can reach an occurrence of the inner
+// literal: a match from s holds it at some o in [s + innerMin, s + innerMax],
+// so with o the first occurrence at or after pos + innerMin no start before
+// o - innerMax can match, and the starts up to o - innerMin are tried
+// before the next occurrence is looked for.
+const u8* NextInnerCandidate(const StartFilter& f, const u8* pos, const u8* end) {
+    for (;;) {
+        const u8* from = pos + f.innerMin;
+        if (end - from < f.literalLength) return nullptr;
+        const int i = FindLiteral(from, static_cast<int>(end - from), f.literal, f.literalLength, f.caseless != 0);
+        if (i < 0) return nullptr;
+        const u8* last = from + i - f.innerMin;
+        const u8* p = from + i - f.innerMax;
+        if (p < pos) p = pos;
+        for (; p <= last; ++p)
+            if (f.set.Has(*p)) return p;
+        pos = last + 1;
+    }
+}
+
+}  // namespace
+
 // An ASCII byte never lies inside a multi-byte character, so landing on one
 // keeps the search on character starts whatever it passed over.
 const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int format) {
@@ -220,6 +244,12 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             const u8* q = pos + i;
             while (q > pos && f.run.Has(q[-1])) --q;
             return q;
+        }
+        case StartFilter::kInnerLiteral: {
+            // Starts are taken from the set only: under format 1 a byte at
+            // or above 0x80 may lie inside a character.
+            if (format == kFormatUtf8 && (f.set.bits[4] | f.set.bits[5] | f.set.bits[6] | f.set.bits[7])) break;
+            return NextInnerCandidate(f, pos, end);
         }
         case StartFilter::kLiteralSet: {
             int which;

@@ -38,13 +38,17 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet, kInnerLiteral };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
-    u8 caseless = 0;  // kLiteral, kRunBefore: a to z compare as A to Z
+    u8 caseless = 0;  // kLiteral, kRunBefore, kInnerLiteral: a to z compare as A to Z
     int literalLength = 0;
     const u8* literal = nullptr;  // kLiteral: every match begins with these bytes
+    // kInnerLiteral: every match holds the literal innerMin to innerMax
+    // bytes from its start (inner_literal.h) and begins with a byte of `set`.
+    int innerMin = 0;
+    int innerMax = 0;
     NibbleSet nibbles{};  // kAscii: the set for the vector search
     // kRunBefore: every match begins with a run of bytes of `run` (ASCII
     // only) that the literal ends; the search goes from one occurrence of
