@@ -227,6 +227,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"\\w[^\\n]{1,2}Ab", "\\w[^\\n]{1,2}(?:Ab|(?!))"},
         {"(?=\\w)\\w?(a|b)?-", "(?=\\w)\\w?(a|b)?(?:-|(?!))"},
         {"\\x{80}?\\w:", "\\x{80}?\\w(?::|(?!))"},
+        {"\\b\\w{3,}\\b", "\\b(?:\\w|(?!)){3,}\\b"},  // runs of at least three
+        {"[ab1_]{3,5}?n", "(?:[ab1_]|(?!)){3,5}?n"},
         {"aB", "aB(?:)"},                         // a program that is one literal
         {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte
         {"b", "b(?:)"},

@@ -187,6 +187,21 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     a->filter.run = run;
 }
 
+// A program of one alternative that begins, behind anchors, with at least
+// n >= 3 of one item whose members are ASCII bytes (`\b\w{12,}`, `\d{3,}`):
+// its start bytes are the item's, and a match begins where a run of n of
+// them does, which the run search finds a vector at a time.
+void FilterRun(const Instruction* prog, int count, Analysis* a) {
+    if (a->filter.mode != StartFilter::kAscii) return;
+    int i = 0;
+    while (i < count && prog[i].op == OP_ANCHOR) ++i;
+    if (i >= count || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
+    const int r = NextItem(prog, i);
+    if (r >= count || !vkp::IsRepeat(prog[r].op) || prog[r].a < 3) return;
+    a->filter.mode = StartFilter::kRun;
+    a->filter.runLength = prog[r].a;
+}
+
 // A literal every match holds near its start, searched for instead of the
 // bytes a match begins with when those are frequent: a set of several
 // bytes (digits, word bytes), or one byte where the literal is longer.
@@ -298,6 +313,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     if (a->anchorMode == kAnchorAnywhere && firstBar == count) FilterRunBefore(program, count, options, a);
+    if (firstBar == count) FilterRun(program, count, a);
     FilterInnerLiteral(program, count, options, a);
     // A required byte that the start filter searches for adds a second scan
     // of what the filter scans; the driver then tests the filter's literal

@@ -260,6 +260,10 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             const int i = FindAnyOf4(pos, len, f.few);
             return i < 0 ? nullptr : pos + i;
         }
+        case StartFilter::kRun: {
+            const int i = FindNibbleRun(pos, len, f.nibbles, f.runLength);
+            return i < 0 ? nullptr : pos + i;
+        }
         case StartFilter::kAscii: {
             const int i = FindInNibbleSet(pos, len, f.nibbles);
             return i < 0 ? nullptr : pos + i;

@@ -38,7 +38,7 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet, kInnerLiteral };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet, kInnerLiteral, kRun };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
@@ -49,7 +49,8 @@ struct StartFilter {
     // bytes from its start (inner_literal.h) and begins with a byte of `set`.
     int innerMin = 0;
     int innerMax = 0;
-    NibbleSet nibbles{};  // kAscii: the set for the vector search
+    NibbleSet nibbles{};  // kAscii, kRun: the set for the vector search
+    int runLength = 0;    // kRun: every match begins with this many bytes of the set
     // kRunBefore: every match begins with a run of bytes of `run` (ASCII
     // only) that the literal ends; the search goes from one occurrence of
     // the literal back to the start of the run before it.

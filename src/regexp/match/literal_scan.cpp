@@ -14,6 +14,10 @@ int FindAnyOf4(const u8* s, int len, const u8 bytes[4]) { return kernels::active
 
 int FindInNibbleSet(const u8* s, int len, const NibbleSet& set) { return kernels::active::FindMember(s, len, set.low); }
 
+int FindNibbleRun(const u8* s, int len, const NibbleSet& set, int n) {
+    return kernels::active::FindMemberRun(s, len, set.low, n);
+}
+
 int FindLiteralSet(const u8* s, int len, const kernels::LiteralSet* set, int* which) {
     return kernels::active::FindLiterals(s, len, set, which);
 }

@@ -40,4 +40,7 @@ constexpr void AddNibbleMember(u8* low, int c) { low[c & 15] |= static_cast<u8>(
 // First index i below len at which s[i] is in the set, or -1.
 int FindInNibbleSet(const u8* s, int len, const NibbleSet& set);
 
+// First index i at which s[i, i + n) are all in the set (within len), or -1.
+int FindNibbleRun(const u8* s, int len, const NibbleSet& set, int n);
+
 }  // namespace vkp::regexp
