@@ -197,7 +197,10 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
     std::vector<std::pair<std::string, std::string>> pairs = {
         {"ab|ba|b", "(?:ab|ba|b|(?!))"},           // alternation of literals
         {"aab|ab", "(?:aab|ab|(?!))"},
-        {"(?:ab|ba|b)n", "(?:ab|ba|b|(?!))n"},     // ... leading a longer pattern
+        {"\\b(?:ab|ba|b)n", "\\b(?:ab|ba|b|(?!))n"},  // ... leading a longer pattern
+        {"(?:ab|ba|b){2,}?n", "(?:ab|ba|b|(?!)){2,}?n"},
+        {"(?:ab|ba|b)?n", "(?:ab|ba|b|(?!))?n"},
+        {"(?i)\\b(?:ab|Ba)", "(?i)\\b(?:ab|Ba|(?!))"},
         {"(ab|A@|g)\\w?", "(ab|A@|g|(?!))\\w?"},
         {"abc(a)", "(?:abc|(?!))(a)"},             // leading literal and a group
         {"ba+", "(?:b|(?!))a+"},
@@ -249,7 +252,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
             for (int m = vkptest::RandomInt(rng, n > 40 ? 3 : 1, n > 40 ? 6 : 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
         }
         pairs.push_back({lits, "(?:" + lits + "|(?!))"});
-        pairs.push_back({"(?:" + lits + ")[gn]", "(?:" + lits + "|(?!))[gn]"});
+        pairs.push_back({"\\B(?:" + lits + ")+[gn]", "\\B(?:" + lits + "|(?!))+[gn]"});
     }
     for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {

@@ -45,15 +45,21 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
         out->caseless = (options & kOptIgnoreCase) != 0;
         return true;
     }
-    if (count < 3) return false;
-    const u32 op = prog[0].op;
+    // Anchors and option settings before the group take no bytes; a repeat behind it that
+    // takes it at least once leaves its first iteration leading the match.
+    int g = 0;
+    for (; g < count && (prog[g].op == OP_ANCHOR || prog[g].op == OP_SETFLAGS); ++g)
+        if (prog[g].op == OP_SETFLAGS) options = static_cast<u32>(prog[g].a);
+    if (count - g < 3) return false;
+    const u32 op = prog[g].op;
     if (op != OP_GROUP && op != OP_CAPTURE && op != OP_ATOMIC && op != OP_FLAGGROUP) return false;
-    const int ket = prog[0].b + 1;
-    if (ket >= count || prog[ket].op != OP_KET || (ket + 1 < count && vkp::IsRepeat(prog[ket + 1].op))) return false;
+    const int ket = g + prog[g].b + 1;
+    if (ket >= count || prog[ket].op != OP_KET) return false;
+    if (ket + 1 < count && vkp::IsRepeat(prog[ket + 1].op) && prog[ket + 1].a < 1) return false;
     for (int i = 0; i < count; ++i)
         if (prog[i].op == OP_ALT && prog[i].a == 0) return false;
-    const u32 inner = op == OP_FLAGGROUP ? static_cast<u32>(prog[0].c) : options;
-    return LiteralsBetweenBars(prog, 1, ket - 1, prog[0].a, inner, out) && out->last > out->first;
+    const u32 inner = op == OP_FLAGGROUP ? static_cast<u32>(prog[g].c) : options;
+    return LiteralsBetweenBars(prog, g + 1, ket - 1, prog[g].a, inner, out) && out->last > out->first;
 }
 
 const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGroup, const LeadLiterals& lead) {

@@ -21,8 +21,8 @@ constexpr int kMaxLeadLiterals = 1 << 16;
 
 // The literals of a program that is two or more literals between
 // top-level bars (literalsOnly: compared as the options say), or that has
-// no top-level bar and begins with a group, no repeat behind it, whose body
-// is two or more literals between its own bars. False for any other
+// no top-level bar and begins, behind anchors and option settings, with a group taken at least
+// once whose body is two or more literals between its own bars. False for any other
 // program, and for literals that a caseless comparison could match outside
 // ASCII.
 bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool literalsOnly, LeadLiterals* out);
