@@ -224,6 +224,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"\\S{2,30}\\s", "(?:\\S|(?!)){2,30}\\s"},  // runs of a type
         {"\\D+@", "(?:\\D|(?!))+@"},
         {"\\w{1,3}\\.a", "\\w{1,3}(?:\\.a|(?!))"},        // a literal near the start
+        {"[1a_]{2}-[ab]", "[1a_]{2}(?:-|(?!))[ab]"},
         {"(?:\\w\\d?){2}:\\w", "(?:\\w\\d?){2}(?::|(?!))\\w"},
         {"\\b(?:[ab]{1,2}-){2}", "\\b(?:[ab]{1,2}(?:-|(?!))){2}"},
         {"\\b.{0,2}@b", "\\b.{0,2}(?:@b|(?!))"},  // ... behind characters of several bytes

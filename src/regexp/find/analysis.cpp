@@ -312,15 +312,20 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         const int r = NextItem(program, 0);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
-    if (a->anchorMode == kAnchorAnywhere && firstBar == count) FilterRunBefore(program, count, options, a);
-    if (firstBar == count) FilterRun(program, count, a);
+    // Filters that search for something rarer than the start bytes: a
+    // literal at a bounded distance before the walk back over an unbounded
+    // run (which finds more starts to try), a run of class members last.
     FilterInnerLiteral(program, count, options, a);
+    if (a->anchorMode == kAnchorAnywhere && firstBar == count && a->filter.mode != StartFilter::kInnerLiteral)
+        FilterRunBefore(program, count, options, a);
+    if (firstBar == count) FilterRun(program, count, a);
     // A required byte that the start filter searches for adds a second scan
     // of what the filter scans; the driver then tests the filter's literal
     // instead, on short subjects only, where that saves setting up the
     // matcher for a line without it.
     const StartFilter& f = a->filter;
-    const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore;
+    const bool literal = f.mode == StartFilter::kLiteral || f.mode == StartFilter::kRunBefore ||
+                         f.mode == StartFilter::kInnerLiteral;
     const int filterByte = f.mode == StartFilter::kByte ? f.byte : literal && !f.caseless ? f.literal[0] : -1;
     a->requiredByFilter = !a->requiredCaseless && a->requiredByte >= 0 && a->requiredByte == filterByte;
     return FillGroupTable(program, count, groups);
