@@ -287,6 +287,13 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     // Start positions whose byte cannot begin a match are passed over.
     if (a->anchorMode == kAnchorAnywhere) a->filter = MakeStartFilter(program, count, options);
+    ByteSet lead;
+    a->lineLead[0] = '\n';
+    if (a->anchorMode == kAnchorLineStarts && FirstBytes(program, count, options, &lead) && lead.Count() == 1) {
+        a->lineLed = 1;
+        for (int b = 0; b < 256; ++b)
+            if (lead.Has(static_cast<u8>(b))) a->lineLead[1] = static_cast<u8>(b);
+    }
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
     MarkLiteralsOnly(program, count, a);

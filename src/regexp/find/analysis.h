@@ -45,6 +45,10 @@ struct Analysis {
     u8 literalContinuationLed;  // ... one of which begins with a UTF-8 continuation byte
     u8 requiredByFilter;   // the start filter searches for the required byte itself
     int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1
+    // Anchored at line starts with one byte every match begins with: a line
+    // feed and that byte, which the search looks for instead of the line feed.
+    u8 lineLed;
+    u8 lineLead[2];
     StartFilter filter;    // kNone when anchored or unknown
     // Greedy repeats of one item whose continuation cannot begin with
     // anything the item matches: a shorter run can never help, so the

@@ -4,10 +4,9 @@
 // Records: the capture records are reset at each start position, and not
 // between the top-level alternatives tried at one position, so a group set
 // by an alternative that failed keeps its text when a later one matches.
-#include <string.h>
-
 #include "regexp/find/match_start.h"
 #include "floor/utf8.h"
+#include "regexp/match/literal_scan.h"
 
 namespace vkp::regexp {
 
@@ -47,9 +46,12 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, const Analysis&
             continue;
         }
         if (anchorMode == kAnchorLineStarts) {
-            const u8* nl = static_cast<const u8*>(memchr(pos, '\n', end - pos));
-            if (!nl) break;
-            pos = nl + 1;
+            // The next line start, or the next one whose byte can begin a match.
+            const int len = static_cast<int>(end - pos);
+            const int i = an.lineLed ? FindLiteral(pos, len, an.lineLead, 2, false)
+                                     : FindLiteral(pos, len, an.lineLead, 1, false);
+            if (i < 0) break;
+            pos += i + 1;
             continue;
         }
         pos += ctx->format == kFormatUtf8 ? CharLength(pos, end) : 1;
