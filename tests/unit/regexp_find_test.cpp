@@ -202,6 +202,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"(?:ab|ba|b)?n", "(?:ab|ba|b|(?!))?n"},
         {"(?i)\\b(?:ab|Ba)", "(?i)\\b(?:ab|Ba|(?!))"},
         {"(ab|A@|g)\\w?", "(ab|A@|g|(?!))\\w?"},
+        {"ab\\w|1?_|b_", "(?:ab|(?!))\\w|(?:1|(?!))?_|(?:b_|(?!))"},  // alternatives led by literals
+        {"\\b(?:a1|b\\w+|@)n", "\\b(?:(?:a1|(?!))|(?:b|(?!))\\w+|(?:@|(?!)))n"},
         {"abc(a)", "(?:abc|(?!))(a)"},             // leading literal and a group
         {"ba+", "(?:b|(?!))a+"},
         {"a\\w*b", "a\\w*(?:b|(?!))"},             // the last literal

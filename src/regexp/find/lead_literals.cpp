@@ -10,28 +10,37 @@ namespace {
 
 constexpr uintptr_t Align8(uintptr_t n) { return (n + 7) & ~uintptr_t(7); }
 
-// Literals at first, first + 2, ... up to last with bars linked by `link`
-// between them; options of each alternative from its bar.
-bool LiteralsBetweenBars(const Instruction* prog, int first, int last, int link, u32 options, LeadLiterals* out) {
-    if (last < first || (last - first) % 2 != 0) return false;
-    bool caseless = false, high = false, highCaseless = false;
-    for (int k = first; k <= last; ++k) {
-        const Instruction& ins = prog[k];
-        if ((k - first) % 2 == 1) {
-            if (ins.op != OP_ALT || ins.a != link) return false;
-            options = static_cast<u32>(ins.b);
-            continue;
+// Calls f(literal) for the literal at the start of each alternative of
+// lead, in order; stops and returns false when f does.
+template <class F>
+bool EachLead(const Instruction* prog, const LeadLiterals& lead, F f) {
+    for (int begin = lead.from, i = lead.from;; i = NextItem(prog, i)) {
+        if (i >= lead.to || (prog[i].op == OP_ALT && prog[i].a == lead.link)) {
+            if (begin >= (i < lead.to ? i : lead.to) || !f(LiteralOf(prog[begin]), begin, i)) return false;
+            if (i >= lead.to) return true;
+            begin = i + 1;
         }
-        const Literal lit = LiteralOf(ins);
-        if (lit.length == 0) return false;
-        const bool folded = (options & kOptIgnoreCase) != 0;
-        caseless |= folded;
-        high |= lit.bytes[0] >= 0x80;
-        for (int j = 0; j < lit.length; ++j) highCaseless |= folded && lit.bytes[j] >= 0x80;
     }
-    if ((last - first) / 2 + 1 > kMaxLeadLiterals || highCaseless) return false;
-    *out = {first, last, caseless, high};
-    return true;
+}
+
+// The alternatives of [from, to) (bars with a == link), each begun by a
+// literal that no repeat follows, or (exact) that is nothing else; options
+// of each alternative from its bar.
+bool LiteralsLead(const Instruction* prog, int from, int to, int link, u32 options, bool exact, LeadLiterals* out) {
+    *out = {from, to, link};
+    bool highCaseless = false;
+    const bool ok = EachLead(prog, *out, [&](Literal lit, int begin, int end) {
+        if (lit.length == 0 || (exact && end != begin + 1)) return false;
+        if (begin + 1 < end && vkp::IsRepeat(prog[begin + 1].op)) return false;
+        const u32 o = begin > from ? static_cast<u32>(prog[begin - 1].b) : options;
+        const bool folded = ((o | static_cast<u32>(prog[begin].c)) & kOptIgnoreCase) != 0;
+        out->caseless |= folded;
+        out->highLed |= lit.bytes[0] >= 0x80;
+        for (int j = 0; j < lit.length; ++j) highCaseless |= folded && lit.bytes[j] >= 0x80;
+        ++out->count;
+        return true;
+    });
+    return ok && out->count >= 2 && out->count <= kMaxLeadLiterals && !highCaseless;
 }
 
 }  // namespace
@@ -41,12 +50,15 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
         // The literal search compares as the pattern's options say, whatever
         // the bars carry. A single literal keeps its own search, which
         // measures faster than a set of one, caseless too.
-        if (count < 3 || !LiteralsBetweenBars(prog, 0, count - 1, 0, options, out)) return false;
+        if (count < 3 || !LiteralsLead(prog, 0, count, 0, options, true, out)) return false;
         out->caseless = (options & kOptIgnoreCase) != 0;
         return true;
     }
-    // Anchors and option settings before the group take no bytes; a repeat behind it that
-    // takes it at least once leaves its first iteration leading the match.
+    for (int i = 0; i < count; ++i)
+        if (prog[i].op == OP_ALT && prog[i].a == 0) return LiteralsLead(prog, 0, count, 0, options, false, out);
+    // Anchors and option settings before the group take no bytes; a repeat
+    // behind it that takes it at least once leaves its first iteration
+    // leading the match.
     int g = 0;
     for (; g < count && (prog[g].op == OP_ANCHOR || prog[g].op == OP_SETFLAGS); ++g)
         if (prog[g].op == OP_SETFLAGS) options = static_cast<u32>(prog[g].a);
@@ -56,15 +68,13 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
     const int ket = g + prog[g].b + 1;
     if (ket >= count || prog[ket].op != OP_KET) return false;
     if (ket + 1 < count && vkp::IsRepeat(prog[ket + 1].op) && prog[ket + 1].a < 1) return false;
-    for (int i = 0; i < count; ++i)
-        if (prog[i].op == OP_ALT && prog[i].a == 0) return false;
     const u32 inner = op == OP_FLAGGROUP ? static_cast<u32>(prog[g].c) : options;
-    return LiteralsBetweenBars(prog, g + 1, ket - 1, prog[g].a, inner, out) && out->last > out->first;
+    return LiteralsLead(prog, g + 1, ket, prog[g].a, inner, false, out);
 }
 
 const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGroup, const LeadLiterals& lead) {
     const Instruction* prog = ProgramOf(state);
-    const int n = (lead.last - lead.first) / 2 + 1;
+    const int n = lead.count;
     // The room behind the program and its literal bytes, up to the block's end.
     uintptr_t tail = reinterpret_cast<uintptr_t>(prog + state->instructionCount);
     uintptr_t tailEnd = reinterpret_cast<uintptr_t>(state) + BlockBytesOf(state);
@@ -87,12 +97,13 @@ const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGrou
     auto* lits = reinterpret_cast<const u8**>(list);
     int* lens = reinterpret_cast<int*>(lits + n);
     size_t total = 0;
-    for (int k = 0; k < n; ++k) {
-        const Literal lit = LiteralOf(prog[lead.first + 2 * k]);
+    int k = 0;
+    EachLead(prog, lead, [&](Literal lit, int, int) {
         lits[k] = lit.bytes;
-        lens[k] = lit.length;
+        lens[k++] = lit.length;
         total += static_cast<size_t>(lit.length);
-    }
+        return true;
+    });
     const size_t need = kernels::LiteralSetBytes(n, total);
     // The work area between the group table and the analysis, else the tail.
     const uintptr_t groupsEnd = Align8(reinterpret_cast<uintptr_t>(state->workArea) +

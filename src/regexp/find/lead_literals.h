@@ -9,9 +9,12 @@
 
 namespace vkp::regexp {
 
-// Instructions [first, last] of the program: literal, bar, literal, ...
+// The alternatives of [from, to), split at bars whose a is `link`: each
+// begins with the literal that leads it (and, for a literal search, is
+// nothing else).
 struct LeadLiterals {
-    int first = 0, last = -1;
+    int from = 0, to = 0, link = 0;
+    int count = 0;          // alternatives
     bool caseless = false;  // compared ignoring ASCII case
     bool highLed = false;   // one begins with a byte at or above 0x80
 };
@@ -20,11 +23,12 @@ struct LeadLiterals {
 constexpr int kMaxLeadLiterals = 1 << 16;
 
 // The literals of a program that is two or more literals between
-// top-level bars (literalsOnly: compared as the options say), or that has
-// no top-level bar and begins, behind anchors and option settings, with a group taken at least
-// once whose body is two or more literals between its own bars. False for any other
-// program, and for literals that a caseless comparison could match outside
-// ASCII.
+// top-level bars (literalsOnly: compared as the options say), or those that
+// lead the alternatives of a program of two or more top-level alternatives,
+// or of a group taken at least once that begins the program (behind
+// anchors and option settings) when it has no top-level bar. False for any
+// other program, and for literals that a caseless comparison could match
+// outside ASCII.
 bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool literalsOnly, LeadLiterals* out);
 
 // Compiles them into the room the group table (ids up to highestGroup)
