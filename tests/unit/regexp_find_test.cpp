@@ -227,6 +227,9 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"\\D+@", "(?:\\D|(?!))+@"},
         {"\\w{1,3}\\.a", "\\w{1,3}(?:\\.a|(?!))"},        // a literal near the start
         {"[1a_]{2}-[ab]", "[1a_]{2}(?:-|(?!))[ab]"},
+        {"\\s(?:ab|ba|1)\\s", "\\s(?:ab|ba|1|(?!))\\s"},  // literals leading a group near the start
+        {"[ab]{1,2}(?:ab|B\\w|:)", "[ab]{1,2}(?:ab|B\\w|:|(?!))"},
+        {"\\w(?i:ab|b@)", "\\w(?i:ab|b@|(?!))"},
         {"(?:\\w\\d?){2}:\\w", "(?:\\w\\d?){2}(?::|(?!))\\w"},
         {"\\b(?:[ab]{1,2}-){2}", "\\b(?:[ab]{1,2}(?:-|(?!))){2}"},
         {"\\b.{0,2}@b", "\\b.{0,2}(?:@b|(?!))"},  // ... behind characters of several bytes

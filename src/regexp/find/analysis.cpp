@@ -211,6 +211,16 @@ void FilterInnerLiteral(const Instruction* prog, int count, u32 options, Analysi
                            f.mode == StartFilter::kFew || f.mode == StartFilter::kAscii || f.mode == StartFilter::kAny;
     InnerLiteral inner;
     if (!bytesOnly || !FindInnerLiteral(prog, count, options, &inner)) return;
+    if (inner.group >= 0) {  // a leading group is the lead literals' (UseLeadLiterals)
+        if (inner.maxBefore == 0) return;
+        f.mode = StartFilter::kInnerLiteralSet;
+        f.literals = nullptr;
+        f.innerGroup = inner.group;
+        f.innerOptions = inner.groupOptions;
+        f.innerMin = inner.minBefore;
+        f.innerMax = inner.maxBefore;
+        return;
+    }
     if (inner.length < 2 && f.set.Count() < 3) return;
     f.mode = StartFilter::kInnerLiteral;
     f.literal = inner.bytes;
@@ -226,6 +236,11 @@ void FilterInnerLiteral(const Instruction* prog, int count, u32 options, Analysi
 // byte that could stand inside a character).
 void UseLeadLiterals(RegExpState* state, int highest, Analysis* a) {
     LeadLiterals lead;
+    if (a->filter.mode == StartFilter::kInnerLiteralSet) {
+        if (GroupLiterals(ProgramOf(state), a->filter.innerGroup, a->filter.innerOptions, &lead))
+            a->filter.literals = PlaceLeadLiterals(state, highest, lead);
+        return;
+    }
     const bool literals = a->strategy == Strategy::kLiterals;
     if (!literals && (a->filter.mode == StartFilter::kNone || a->anchorMode != kAnchorAnywhere)) return;
     if (!FindLeadLiterals(ProgramOf(state), state->instructionCount, state->options, literals, &lead)) return;

@@ -198,15 +198,18 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
 namespace {
 
 // The first start from pos on that can reach an occurrence of the inner
-// literal: a match from s holds it at some o in [s + innerMin, s + innerMax],
+// literal (or of any literal of the inner set): a match from s holds it at some o in [s + innerMin, s + innerMax],
 // so with o the first occurrence at or after pos + innerMin no start before
 // o - innerMax can match, and the starts up to o - innerMin are tried
 // before the next occurrence is looked for.
 const u8* NextInnerCandidate(const StartFilter& f, const u8* pos, const u8* end) {
     for (;;) {
         const u8* from = pos + f.innerMin;
-        if (end - from < f.literalLength) return nullptr;
-        const int i = FindLiteral(from, static_cast<int>(end - from), f.literal, f.literalLength, f.caseless != 0);
+        if (end - from < (f.literals ? 1 : f.literalLength)) return nullptr;
+        const int len = static_cast<int>(end - from);
+        int which;
+        const int i = f.literals ? FindLiteralSet(from, len, f.literals, &which)
+                                 : FindLiteral(from, len, f.literal, f.literalLength, f.caseless != 0);
         if (i < 0) return nullptr;
         const u8* last = from + i - f.innerMin;
         const u8* p = from + i - f.innerMax;
@@ -245,10 +248,13 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             while (q > pos && f.run.Has(q[-1])) --q;
             return q;
         }
-        case StartFilter::kInnerLiteral: {
+        case StartFilter::kInnerLiteral:
+        case StartFilter::kInnerLiteralSet: {
             // Starts are taken from the set only: under format 1 a byte at
-            // or above 0x80 may lie inside a character.
+            // or above 0x80 may lie inside a character. A set not compiled
+            // (no room in the block) leaves the start bytes.
             if (format == kFormatUtf8 && (f.set.bits[4] | f.set.bits[5] | f.set.bits[6] | f.set.bits[7])) break;
+            if (f.mode == StartFilter::kInnerLiteralSet && !f.literals) break;
             return NextInnerCandidate(f, pos, end);
         }
         case StartFilter::kLiteralSet: {

@@ -38,7 +38,7 @@ bool SequenceFirstBytes(const Instruction* program, int from, int to, u32 option
 
 // How the search passes over start positions that cannot match.
 struct StartFilter {
-    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet, kInnerLiteral, kRun };
+    enum Mode : u8 { kNone, kByte, kFolded, kFew, kLiteral, kRunBefore, kAscii, kAny, kLiteralSet, kInnerLiteral, kInnerLiteralSet, kRun };
     Mode mode = kNone;
     u8 byte = 0;  // kByte: the byte; kFolded: the lower-case letter
     u8 few[4] = {};  // kFew: two to four ASCII bytes (repeated to fill)
@@ -49,6 +49,11 @@ struct StartFilter {
     // bytes from its start (inner_literal.h) and begins with a byte of `set`.
     int innerMin = 0;
     int innerMax = 0;
+    // kInnerLiteralSet: the same for the literals leading the alternatives
+    // of the group at innerGroup (options in effect there: innerOptions),
+    // compiled into `literals` with the rest of the analysis.
+    int innerGroup = -1;
+    u32 innerOptions = 0;
     NibbleSet nibbles{};  // kAscii, kRun: the set for the vector search
     int runLength = 0;    // kRun: every match begins with this many bytes of the set
     // kRunBefore: every match begins with a run of bytes of `run` (ASCII
@@ -57,7 +62,7 @@ struct StartFilter {
     ByteSet run{};
     ByteSet set{};
     // kLiteralSet: every match begins with one of these literals (none
-    // begins with a byte at or above 0x80).
+    // begins with a byte at or above 0x80); kInnerLiteralSet: see above.
     const kernels::LiteralSet* literals = nullptr;
 };
 

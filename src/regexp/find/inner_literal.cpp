@@ -137,9 +137,19 @@ bool FindIn(const Instruction* prog, int from, int to, u32 options, Width before
             return true;
         }
         const bool group = ins.op == OP_GROUP || ins.op == OP_CAPTURE || ins.op == OP_ATOMIC || ins.op == OP_FLAGGROUP;
-        if (group && least >= 1 && depth < kMaxDepth && OneAlternative(prog, i)) {
-            const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : options;
-            if (FindIn(prog, i + 1, n - 1, inner, before, depth + 1, out)) return true;
+        if (group && least >= 1 && depth < kMaxDepth) {
+            LeadLiterals lead;
+            if (OneAlternative(prog, i)) {
+                const u32 inner = ins.op == OP_FLAGGROUP ? static_cast<u32>(ins.c) : options;
+                if (FindIn(prog, i + 1, n - 1, inner, before, depth + 1, out)) return true;
+            } else if (GroupLiterals(prog, i, options, &lead) && !lead.highLed) {
+                if (before.max > kInnerReach) return false;
+                out->group = i;
+                out->groupOptions = options;
+                out->minBefore = before.min;
+                out->maxBefore = before.max;
+                return true;
+            }
         }
         Width w;
         if (!RepeatedWidth(prog, i, to, &options, depth, &w, &i)) return false;

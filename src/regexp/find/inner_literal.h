@@ -6,6 +6,7 @@
 #pragma once
 
 #include "regexp/compile/program.h"
+#include "regexp/find/lead_literals.h"
 
 namespace vkp::regexp {
 
@@ -15,14 +16,16 @@ struct InnerLiteral {
     bool caseless = false;
     int minBefore = 0;  // bytes a match holds before the literal, at least
     int maxBefore = 0;  // ... and at most
+    int group = -1;     // or the group, at that distance, whose alternatives literals lead
+    u32 groupOptions = 0;  // ... and the options in effect at it
 };
 
 // The widest distance kept: beyond it each occurrence leaves too many
 // starts to try for the search to pay.
 constexpr int kInnerReach = 24;
 
-// Finds the first literal of the program's single alternative that every
-// match holds at a distance of at most kInnerReach bytes from its start
+// Finds the first literal (or group of alternatives led by literals) of the
+// program's single alternative that every match holds at a distance of at most kInnerReach bytes from its start
 // (under either subject format: a character outside ASCII may take up to
 // four bytes). False when there is none, or the program has a top-level bar.
 bool FindInnerLiteral(const Instruction* program, int count, u32 options, InnerLiteral* out);

@@ -68,8 +68,12 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
     const int ket = g + prog[g].b + 1;
     if (ket >= count || prog[ket].op != OP_KET) return false;
     if (ket + 1 < count && vkp::IsRepeat(prog[ket + 1].op) && prog[ket + 1].a < 1) return false;
-    const u32 inner = op == OP_FLAGGROUP ? static_cast<u32>(prog[g].c) : options;
-    return LiteralsLead(prog, g + 1, ket, prog[g].a, inner, false, out);
+    return GroupLiterals(prog, g, options, out);
+}
+
+bool GroupLiterals(const Instruction* prog, int g, u32 options, LeadLiterals* out) {
+    const u32 inner = prog[g].op == OP_FLAGGROUP ? static_cast<u32>(prog[g].c) : options;
+    return LiteralsLead(prog, g + 1, g + prog[g].b + 1, prog[g].a, inner, false, out);
 }
 
 const kernels::LiteralSet* PlaceLeadLiterals(RegExpState* state, int highestGroup, const LeadLiterals& lead) {

@@ -31,6 +31,10 @@ constexpr int kMaxLeadLiterals = 1 << 16;
 // outside ASCII.
 bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool literalsOnly, LeadLiterals* out);
 
+// The literals that lead the alternatives of the group opened at g (two or
+// more), under `options`.
+bool GroupLiterals(const Instruction* prog, int g, u32 options, LeadLiterals* out);
+
 // Compiles them into the room the group table (ids up to highestGroup)
 // leaves in the work area before the analysis, or else the room behind the
 // program's literal bytes. The set, or null when neither is large enough.
