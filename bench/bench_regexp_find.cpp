@@ -64,7 +64,7 @@ const FindCase kCases[] = {
     {"hex number", "", R"(\b0x[0-9a-fA-F]+\b)", false},
     {"clock time", "", R"(\b\d{1,2}:\d{2}(?::\d{2})?\b)", false},
     {"word in parentheses", "", R"(\(\w+\))", true},
-    {"word of 12+ letters", "", R"(\b\w{12,}\b)", false},
+    {"word of twelve letters or more", "", R"(\b\w{12,}\b)", false},
     {"caseless literal", "", "(?i)testing", true},
     {"caseless log levels", "", "(?i)(?:error|warning|fatal)", true},
     {"four words", "", "(?:water|people|number|engine)", true},

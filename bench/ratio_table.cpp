@@ -48,14 +48,14 @@ int RunAndSummarize(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     CollectingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\n%-72s %12s %12s %8s\n", "comparison (ours vs peer)", "ours M/s", "peer M/s", "ratio");
+    std::printf("\n%-76s %12s %12s %8s\n", "comparison (ours vs peer)", "ours M/s", "peer M/s", "ratio");
     for (const Row& r : Rows()) {
         auto a = reporter.rate.find(r.ours), b = reporter.rate.find(r.peer);
         if (a == reporter.rate.end() || b == reporter.rate.end()) continue;  // filtered out
         // Rates of calls (lines, blocks) can be below one million a second.
         auto digits = [](double v) { return v >= 100 ? 0 : v >= 1 ? 2 : 4; };
         const double ours = a->second / 1e6, peer = b->second / 1e6;
-        std::printf("%-72s %12.*f %12.*f %8.*f\n", r.row.c_str(), digits(ours), ours, digits(peer), peer,
+        std::printf("%-76s %12.*f %12.*f %8.*f\n", r.row.c_str(), digits(ours), ours, digits(peer), peer,
                     ours / peer >= 0.1 ? 2 : 3, ours / peer);
     }
     benchmark::Shutdown();
