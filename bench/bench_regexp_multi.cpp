@@ -276,16 +276,23 @@ int64_t CountAll(Matcher* m, const Units& units) {
     return total;
 }
 
-void Run(benchmark::State& st, Matcher* m, int64_t expected) {
+// Times m over the units, the rate in units and "s/<unit>" the time per
+// call; a count other than the reference's is an error.
+void Time(benchmark::State& st, Matcher* m, const Units& units, int64_t expected, const std::string& unit,
+          const char* reference) {
     int64_t total = 0;
-    for (auto _ : st) total = CountAll(m, Lines());
-    const double lines = double(Lines().size());
-    st.SetItemsProcessed(int64_t(st.iterations()) * int64_t(Lines().size()));
-    st.counters["s/line"] = benchmark::Counter(lines, benchmark::Counter::kIsIterationInvariantRate |
-                                                          benchmark::Counter::kInvert);
+    for (auto _ : st) total = CountAll(m, units);
+    st.SetItemsProcessed(int64_t(st.iterations()) * int64_t(units.size()));
+    st.counters["s/" + unit] = benchmark::Counter(double(units.size()), benchmark::Counter::kIsIterationInvariantRate |
+                                                                            benchmark::Counter::kInvert);
     st.counters["hits"] = double(total);
     if (total != expected)
-        st.SkipWithError(("counted " + std::to_string(total) + ", the pcre2 loop " + std::to_string(expected)).c_str());
+        st.SkipWithError(
+            ("counted " + std::to_string(total) + ", " + reference + " " + std::to_string(expected)).c_str());
+}
+
+void Run(benchmark::State& st, Matcher* m, int64_t expected) {
+    Time(st, m, Lines(), expected, "line", "the pcre2 loop");
 }
 
 void Register() {
@@ -333,7 +340,10 @@ struct SetBench {
         engines[0] = std::make_unique<Ours>(p);
         engines[1] = std::make_unique<Re2Set>(p);
         engines[2] = std::make_unique<Hyperscan>(p);
-        if (!words) engines[3] = std::make_unique<Pcre2Loop>(p, false), engines[4] = std::make_unique<Pcre2Loop>(p, true);
+        if (!words) {
+            engines[3] = std::make_unique<Pcre2Loop>(p, false);
+            engines[4] = std::make_unique<Pcre2Loop>(p, true);
+        }
         const std::unique_ptr<Matcher> lookup = words ? std::make_unique<WordLookup>(p) : nullptr;
         Matcher* reference = words ? lookup.get() : engines[3].get();
         if (reference->ok()) expected = CountAll(reference, units);
@@ -346,15 +356,7 @@ void RunSet(benchmark::State& st, SetBench* b, int engine) {
     Matcher* m = b->engines[engine].get();
     if (b->expected < 0) return st.SkipWithError("no change logs, or the reference failed");
     if (!m || !m->ok()) return st.SkipWithError("the set does not compile");
-    int64_t total = 0;
-    for (auto _ : st) total = CountAll(m, b->units);
-    const double units = double(b->units.size());
-    st.SetItemsProcessed(int64_t(st.iterations()) * int64_t(b->units.size()));
-    st.counters[b->blocks ? "s/block" : "s/line"] = benchmark::Counter(
-        units, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-    st.counters["hits"] = double(total);
-    if (total != b->expected)
-        st.SkipWithError(("counted " + std::to_string(total) + ", the reference " + std::to_string(b->expected)).c_str());
+    Time(st, m, b->units, b->expected, b->blocks ? "block" : "line", "the reference");
 }
 
 void RegisterChangelogSets() {
