@@ -1,8 +1,10 @@
 #include "corpus.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -92,6 +94,62 @@ std::string MixedText(size_t bytes) {
         text += ' ';
     }
     return text;
+}
+
+}  // namespace vkpbench
+
+namespace vkpbench {
+namespace {
+
+// The length of the valid UTF-8 sequence at s[0..n), 0 when it is not one.
+size_t Utf8Length(const unsigned char* s, size_t n) {
+    const unsigned c = s[0];
+    if (c < 0x80) return 1;
+    size_t len = c >= 0xC2 && c <= 0xDF ? 2 : c >= 0xE0 && c <= 0xEF ? 3 : c >= 0xF0 && c <= 0xF4 ? 4 : 0;
+    if (len == 0 || len > n) return 0;
+    for (size_t i = 1; i < len; ++i)
+        if ((s[i] & 0xC0) != 0x80) return 0;
+    const unsigned c1 = s[1];
+    if ((c == 0xE0 && c1 < 0xA0) || (c == 0xED && c1 > 0x9F) || (c == 0xF0 && c1 < 0x90) || (c == 0xF4 && c1 > 0x8F))
+        return 0;  // overlong, surrogate or beyond U+10FFFF
+    return len;
+}
+
+}  // namespace
+
+std::string ChangelogText(size_t bytes) {
+    std::string t;
+    if (FILE* p = popen("LC_ALL=C; zcat /usr/share/doc/*/changelog.Debian.gz 2>/dev/null", "r")) {
+        char buf[65536];
+        for (size_t n; t.size() < bytes && (n = fread(buf, 1, sizeof buf, p)) > 0;) t.append(buf, n);
+        pclose(p);
+    }
+    if (t.size() < bytes) return {};
+    t.resize(bytes);
+    auto* s = reinterpret_cast<unsigned char*>(t.data());
+    for (size_t i = 0; i < bytes;) {
+        const size_t len = Utf8Length(s + i, bytes - i);
+        if (len == 0) s[i++] = '?';
+        i += len;
+    }
+    return t;
+}
+
+std::vector<std::string> CommonWords(const std::string& text, size_t n, size_t minLength) {
+    std::map<std::string, size_t> count;
+    auto letter = [](char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; };
+    for (size_t i = 0; i < text.size();) {
+        size_t j = i;
+        while (j < text.size() && letter(text[j])) ++j;
+        if (j - i >= minLength) ++count[text.substr(i, j - i)];
+        i = j + 1;
+    }
+    std::vector<std::pair<size_t, std::string>> ranked;
+    for (auto& [word, c] : count) ranked.emplace_back(c, word);
+    std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<std::string> words;
+    for (size_t i = 0; i < ranked.size() && i < n; ++i) words.push_back(ranked[i].second);
+    return words;
 }
 
 }  // namespace vkpbench

@@ -2,7 +2,8 @@
 # vkpch grep -c against GNU grep -P -c and ripgrep (rg -c -j1) on 32 MB of
 # real prose and logs (the Debian changelogs, copyright and license texts on
 # this machine), with the README's patterns and patterns written for this
-# run without tuning; then -r over a tree of 20,000 files cut from the same
+# run without tuning; then word lists (-f) of the 300 and 3000 commonest
+# words of the text against grep -F -f, grep -f and rg -F -f; then -r over a tree of 20,000 files cut from the same
 # text, every tool on all cores; then the resident memory of vkpch grep on a
 # 1 GiB file. Counts are checked: a pattern whose counts differ says so.
 # Times: the best of RUNS runs, in seconds. Installs ripgrep through the
@@ -73,6 +74,30 @@ untuned: security, any case|-i|security|vulnerab
 untuned: two capitalised words||\b[A-Z][a-z]+ [A-Z][a-z]+\b
 untuned: long word||\b\w{14,}\b
 CASES
+
+# Word lists: the N commonest words of at least four ASCII letters of the
+# text, by count, then in byte order.
+printf '\nword lists (-f), best of %s runs, seconds\n\n' "$runs"
+printf '| words | lines | vkpch grep -f | vkpch grep -F -f | grep -F -f | grep -f | rg -F -f | / grep -F -f | / grep -f | / rg -F -f |\n'
+printf '|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n'
+grep -oE '[A-Za-z]{4,}' "$text" | sort | uniq -c | sort -k1,1nr -k2,2 | awk '{ print $2 }' > "$work/ranked.txt"
+for n in 300 3000; do
+    words=$work/words$n.txt
+    head -n "$n" "$work/ranked.txt" > "$words"
+    ours=$("$vkpch" grep -c -f "$words" "$text" || true)
+    note=""
+    for tool in "$vkpch grep -c -F" "grep -c -F" "grep -c" "rg -c -j1 -F"; do
+        c=$($tool -f "$words" "$text" || true)
+        [ "$c" = "$ours" ] || note="$note ($tool counts $c)"
+    done
+    a=$(best "$vkpch" grep -c -f "$words" "$text")
+    f=$(best "$vkpch" grep -c -F -f "$words" "$text")
+    b=$(best grep -c -F -f "$words" "$text")
+    g=$(best grep -c -f "$words" "$text")
+    c=$(best rg -c -j1 -F -f "$words" "$text")
+    printf '| %s | %s%s | %s | %s | %s | %s | %s | %s | %s | %s |\n' "$(wc -l < "$words")" "$ours" "$note" "$a" "$f" "$b" "$g" "$c" \
+        "$(ratio "$a" "$b")" "$(ratio "$a" "$g")" "$(ratio "$a" "$c")"
+done
 
 # -r over 20,000 files of about 1.6 KB in 200 directories, all cores.
 tree=$work/tree

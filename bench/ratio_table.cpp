@@ -18,7 +18,8 @@ std::vector<Row>& Rows() {
     return rows;
 }
 
-// Console output as usual, and the throughput of every run kept by name.
+// Console output as usual, and the throughput of every run kept by name
+// (not of a run that reported an error, such as a count that differs).
 class CollectingReporter : public benchmark::ConsoleReporter {
 public:
     std::map<std::string, double> rate;
@@ -27,7 +28,7 @@ public:
         for (const Run& r : runs) {
             auto it = r.counters.find("bytes_per_second");
             if (it == r.counters.end()) it = r.counters.find("items_per_second");
-            if (it == r.counters.end() || r.run_type != Run::RT_Iteration) continue;
+            if (it == r.counters.end() || r.run_type != Run::RT_Iteration || r.error_occurred) continue;
             std::string name = r.benchmark_name();
             name = name.substr(0, name.find("/min_time:"));
             rate[name] = it->second;
@@ -47,12 +48,15 @@ int RunAndSummarize(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     CollectingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\n%-58s %12s %12s %8s\n", "comparison (ours vs peer)", "ours MB/s", "peer MB/s", "ratio");
+    std::printf("\n%-76s %12s %12s %8s\n", "comparison (ours vs peer)", "ours M/s", "peer M/s", "ratio");
     for (const Row& r : Rows()) {
         auto a = reporter.rate.find(r.ours), b = reporter.rate.find(r.peer);
         if (a == reporter.rate.end() || b == reporter.rate.end()) continue;  // filtered out
-        std::printf("%-58s %12.0f %12.0f %8.2f\n", r.row.c_str(), a->second / 1e6, b->second / 1e6,
-                    a->second / b->second);
+        // Rates of calls (lines, blocks) can be below one million a second.
+        auto digits = [](double v) { return v >= 100 ? 0 : v >= 1 ? 2 : 4; };
+        const double ours = a->second / 1e6, peer = b->second / 1e6;
+        std::printf("%-76s %12.*f %12.*f %8.*f\n", r.row.c_str(), digits(ours), ours, digits(peer), peer,
+                    ours / peer >= 0.1 ? 2 : 3, ours / peer);
     }
     benchmark::Shutdown();
     return 0;
