@@ -238,7 +238,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"\\x{80}?\\w:", "\\x{80}?\\w(?::|(?!))"},
         {"\\b\\w{3,}\\b", "\\b(?:\\w|(?!)){3,}\\b"},  // runs of at least three
         {"[ab1_]{3,5}?n", "(?:[ab1_]|(?!)){3,5}?n"},
-        {"(?m)^a\\w", "(?m)^(?:a|(?!))\\w"},     // line starts led by one byte
+        {"(?m)^a\\w", "(?m)(?:^|(?!))(?:a|(?!))\\w"},  // line starts (led by one byte)
         {"(?m)^\\n", "(?m)^(?:\\n|(?!))"},
         {"aB", "aB(?:)"},                         // a program that is one literal
         {"\x80" "a", "\x80" "a(?:)"},          // ... led by a continuation byte

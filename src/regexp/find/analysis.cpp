@@ -290,15 +290,17 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     // Anchoring. After the first alternative the search for the next one
     // starts at the first top-level bar.
     a->firstAlternative = firstBar;
-    if (count > 0 && program[0].op == OP_ANCHOR) {
-        if (firstBar == count) {
-            const int c = program[0].a;
-            if (c == 'A' || c == 'G') a->anchorMode = kAnchorSubjectStart;
-            else if (c == '^') a->anchorMode = options & kOptMultiline ? kAnchorLineStarts : kAnchorSubjectStart;
-            else if (c == kImplicitAnchor) a->anchorMode = kAnchorLineStarts;
-            // An anchor that a repeat makes optional anchors nothing.
-            if (count > 1 && IsRepeat(&program[1]) && program[1].a == 0) a->anchorMode = kAnchorAnywhere;
-        }
+    // Option settings before the anchor ((?m)^) take no bytes.
+    int k = 0;
+    u32 anchorOptions = options;
+    for (; k < count && program[k].op == OP_SETFLAGS; ++k) anchorOptions = static_cast<u32>(program[k].a);
+    if (k < count && program[k].op == OP_ANCHOR && firstBar == count) {
+        const int c = program[k].a;
+        if (c == 'A' || c == 'G') a->anchorMode = kAnchorSubjectStart;
+        else if (c == '^') a->anchorMode = anchorOptions & kOptMultiline ? kAnchorLineStarts : kAnchorSubjectStart;
+        else if (c == kImplicitAnchor) a->anchorMode = kAnchorLineStarts;
+        // An anchor that a repeat makes optional anchors nothing.
+        if (k + 1 < count && IsRepeat(&program[k + 1]) && program[k + 1].a == 0) a->anchorMode = kAnchorAnywhere;
     }
     // Start positions whose byte cannot begin a match are passed over.
     if (a->anchorMode == kAnchorAnywhere) a->filter = MakeStartFilter(program, count, options);
