@@ -18,6 +18,9 @@ VKP_INLINE u8 FoldByte(u8 c) { return u8(c - 'A') < 26 ? u8(c | 0x20) : c; }
 
 using literal_detail::FoldWord;
 
+// A table record: length, index and next record, then the bytes.
+constexpr u32 kRecordHead = 12;
+
 // A literal's key: its first four bytes, or all of a shorter one; k is the
 // key length. Its filter bit: the key itself for one and two bytes, else a
 // hash; the bit of its first three bytes in the prefix filter, another hash;
@@ -81,10 +84,31 @@ void BuildBuckets(LiteralSet* set, LiteralEntry* e, int count) {
     }
 }
 
-// The table form: every literal on the chain of its key, chains in index
-// order, and its key's bit in the filter of its kind.
-void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at) {
+VKP_INLINE u32 Load32(const u8* p) {
+    u32 v;
+    __builtin_memcpy(&v, p, 4);
+    return v;
+}
+VKP_INLINE void Store32(u8* p, u32 v) { __builtin_memcpy(p, &v, 4); }
+
+// The table form: one record a literal, its length, index and next record
+// on its key's chain followed by its bytes, packed, so that the walk of a
+// chain finds a literal's bytes beside its record; every literal on the
+// chain of its key, chains in index order, and its key's bit in the filter
+// of its kind. Records take no more room than the entries and bytes of the
+// bucket form.
+void BuildTable(LiteralSet* set, const u8* const* lits, const int* lens, int count, u8* mem) {
     const u32 heads = HeadCount(count);
+    size_t at = set->entriesOff;
+    for (int i = 0; i < count; ++i) {
+        u8* r = mem + at;
+        Store32(r, u32(lens[i]));
+        Store32(r + 4, u32(i));
+        for (int k = 0; k < lens[i]; ++k) r[kRecordHead + k] = set->folded ? FoldByte(lits[i][k]) : lits[i][k];
+        at += kRecordHead + size_t(lens[i]);
+    }
+    const size_t recordsEnd = at;
+    at = Align8(at);
     set->table = 1;
     set->headsOff = u32(at);
     set->headMask = heads - 1;
@@ -95,13 +119,16 @@ void BuildTable(LiteralSet* set, LiteralEntry* e, int count, u8* mem, size_t at)
     set->filterLog = u8(FilterLog(count));
     const int log = set->filterLog;
     for (u32 i = 0; i < LiteralSet::FilterBytes(log); ++i) filters[i] = 0;
+    u32 r = u32(recordsEnd);
     for (int i = count - 1; i >= 0; --i) {
-        const int k = e[i].len < 4 ? int(e[i].len) : 4;
+        r -= kRecordHead + u32(lens[i]);
+        const u8* f = mem + r + kRecordHead;
+        const int k = lens[i] < 4 ? lens[i] : 4;
         u32 x = 0;
-        for (int j = 0; j < k; ++j) x |= u32(set->At(e[i].offset)[j]) << (8 * j);
+        for (int j = 0; j < k; ++j) x |= u32(f[j]) << (8 * j);
         const u32 h = ChainOf(x, k, set->headMask), bit = FilterBit(x, k, log);
-        e[i].next = head[h];
-        head[h] = u32(i);
+        Store32(mem + r + 8, head[h]);
+        head[h] = r;
         set->keyKinds |= u8(1u << (k - 1));
         filters[set->FilterOffset(k) + (bit >> 3)] |= u8(1u << (bit & 7));
         if (k >= 3) {
@@ -140,16 +167,18 @@ bool BuildLiteralSet(const u8* const* lits, const int* lens, int count, bool fol
     set->minLen = minLen;
     set->folded = folded;
     set->entriesOff = u32(Align8(sizeof(LiteralSet)));
-    LiteralEntry* e = reinterpret_cast<LiteralEntry*>(base + set->entriesOff);
-    size_t at = set->entriesOff + sizeof(LiteralEntry) * size_t(count);
-    for (int i = 0; i < count; ++i) {
-        e[i] = {u32(at), u32(lens[i]), u32(i), LiteralSet::kNoEntry};
-        for (int k = 0; k < lens[i]; ++k) base[at + size_t(k)] = folded ? FoldByte(lits[i][k]) : lits[i][k];
-        at += size_t(lens[i]);
+    if (count > kMaxBucketLiterals) {
+        BuildTable(set, lits, lens, count, base);
+    } else {
+        LiteralEntry* e = reinterpret_cast<LiteralEntry*>(base + set->entriesOff);
+        size_t at = set->entriesOff + sizeof(LiteralEntry) * size_t(count);
+        for (int i = 0; i < count; ++i) {
+            e[i] = {u32(at), u32(lens[i]), u32(i), 0};
+            for (int k = 0; k < lens[i]; ++k) base[at + size_t(k)] = folded ? FoldByte(lits[i][k]) : lits[i][k];
+            at += size_t(lens[i]);
+        }
+        BuildBuckets(set, e, count);
     }
-    at = Align8(at);
-    if (count > kMaxBucketLiterals) BuildTable(set, e, count, base, at);
-    else BuildBuckets(set, e, count);
     set->bytes = u32(need);
     return true;
 }
@@ -203,15 +232,17 @@ int ScanTable(const u8* s, int len, const LiteralSet* set, Visit& visit) {
 // returns true.
 template <class Fn>
 VKP_INLINE void ForChains(const LiteralSet* set, u32 x, Fn fn) {
-    const LiteralEntry* e = set->Entries();
     const u32* head = reinterpret_cast<const u32*>(set->At(set->headsOff));
     const u8* filters = set->At(set->filtersOff);
     for (int k = 4; k >= 1; --k) {
         if (!((set->keyKinds >> (k - 1)) & 1) ||
             !TestBit(filters + set->FilterOffset(k), FilterBit(KeyOf(x, k), k, set->filterLog)))
             continue;
-        for (u32 i = head[ChainOf(KeyOf(x, k), k, set->headMask)]; i != LiteralSet::kNoEntry; i = e[i].next)
-            if (fn(e[i])) break;
+        for (u32 r = head[ChainOf(KeyOf(x, k), k, set->headMask)]; r != LiteralSet::kNoEntry;) {
+            const u8* rec = set->At(r);
+            if (fn(LiteralEntry{r + kRecordHead, Load32(rec), Load32(rec + 4), 0})) break;
+            r = Load32(rec + 8);
+        }
     }
 }
 

@@ -46,10 +46,12 @@
 namespace vkp::kernels {
 
 // One literal of a compiled set: its bytes (folded to lower case in a
-// caseless set) at `offset` from the set's start, its length, its index in
-// the order given, and (table form) the next literal of its key chain.
+// caseless set) at `offset` from the set's start, its length and its index
+// in the order given. The bucket form keeps an array of them; the table form
+// keeps packed records (length, index, next record of the key's chain, then
+// the bytes) and makes an entry of the record it walks to.
 struct LiteralEntry {
-    u32 offset, len, index, next;
+    u32 offset, len, index, pad;
 };
 
 // The compiled form, at the start of the caller's memory (8-byte aligned).
@@ -57,7 +59,7 @@ struct LiteralSet {
     static constexpr int kBuckets = 8;
     u32 bytes;          // size of the whole compiled form
     u32 count, minLen;  // literals, and the shortest one's length
-    u32 entriesOff;     // LiteralEntry[count]; in the bucket form by bucket
+    u32 entriesOff;     // bucket form: LiteralEntry[count], by bucket; table form: the records
     u8 table;           // 1: the keyed table form, 0: the bucket form
     u8 folded;          // caseless
     u8 prefix;          // bucket form: bytes filtered, 1 to 3
@@ -67,7 +69,7 @@ struct LiteralSet {
     // is set in lo[k][c & 15] and in hi[k][c >> 4].
     u8 lo[3][16], hi[3][16];
     u16 bucketFirst[kBuckets + 1];  // bucket b holds entries [bucketFirst[b], bucketFirst[b + 1])
-    // Table form: chain heads (index of the first entry, kNoEntry if none)
+    // Table form: chain heads (offset of the first record, kNoEntry if none)
     // and the three bit filters, at these offsets.
     u32 headsOff, headMask, filtersOff;
 

@@ -111,6 +111,17 @@ inline u32 RareProbeOffsets(const u8* f, int m, bool folded) {
     return u32(a) | u32(b) << 16;
 }
 
+// Whether a caseless search of f[0, m) filters better on its rarest bytes
+// than on its first and last: when both of those are among the commonest
+// bytes of text (a space, e t a o i n s r), as in "error" or "thanks",
+// their pairs pass everywhere. Otherwise the first/last filter already
+// passes seldom and is as fast or faster (its probes are a whole vector
+// apart less often, and it verifies two bytes fewer).
+inline bool RareProbesPay(const u8* f, int m) {
+    const int common = rare_detail::ScoreOf('r', false);
+    return m >= 3 && rare_detail::ScoreOf(f[0], true) >= common && rare_detail::ScoreOf(f[m - 1], true) >= common;
+}
+
 // The leftmost start of f[0, m) in s[0, len), or -1, filtered on the bytes
 // at the two offsets packed in `at` (RareProbeOffsets). The forms in the width
 // list: exact, and ignoring the case of a to z.

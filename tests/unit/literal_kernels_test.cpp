@@ -13,6 +13,7 @@
 #include "kernels/active.h"
 #include "kernels/literal_set.h"
 #include "kernels/rare_byte_search.h"
+#include "regexp/match/literal_scan.h"
 #include "support/placements.h"
 #include "support/random_text.h"
 
@@ -169,7 +170,8 @@ TEST(LiteralKernels, BuildRefusesBadSets) {
 }
 
 // Every needle length to 40 at the offsets chosen for it and at random ones
-// (any two offsets must give the same result).
+// (any two offsets must give the same result), and the driver's literal
+// search, which picks one of the filters for a caseless needle.
 TEST(LiteralKernels, RareByteSearchAgainstPlainLoop) {
     Rng rng(7);
     for (bool folded : {false, true}) {
@@ -191,6 +193,7 @@ TEST(LiteralKernels, RareByteSearchAgainstPlainLoop) {
                                            : k::active::FindSubRareFwd(p, len, f, m, at);
                     ASSERT_EQ(got, m > len ? -1 : want) << "len " << len << " m " << m << " folded " << folded;
                 }
+                ASSERT_EQ(vkp::regexp::FindLiteral(p, len, f, m, folded), m > len ? -1 : want) << len << " " << m;
             }
         }
     }

@@ -105,35 +105,46 @@ void ReportPatternError(const std::string& pattern, vkpStatus status, int offset
 }
 
 bool GrepPatterns::Compile(const GrepSettings& s) {
-    std::string options = s.options;
-    if (!s.nullData && options.find('m') == std::string::npos) options += 'm';  // no line holds a line feed
-    for (const std::string& p : s.patterns) {
+    options_ = s.options;
+    if (!s.nullData && options_.find('m') == std::string::npos) options_ += 'm';  // no line holds a line feed
+    for (const std::string& p : s.patterns)
         if (p.find('\0') != std::string::npos) {
             Report("a pattern holds a zero byte");
             return false;
         }
+    settings_ = &s;
+    // Joined plain patterns select the lines; each pattern alone is compiled
+    // only when the matches themselves are wanted (-o, colour), or to report
+    // the error of a join that does not compile.
+    if (JoinPlainPatterns(s)) return true;
+    joined_.clear();
+    return CompileEach();
+}
+
+bool GrepPatterns::CompileEach() {
+    const GrepSettings& s = *settings_;
+    for (const std::string& p : s.patterns) {
         std::string body = s.fixed ? Escape(p) : p;
         {
-            const vkpch::Regex alone(body, options);  // errors point into the pattern as written
+            const vkpch::Regex alone(body, options_);  // errors point into the pattern as written
             if (!alone.ok()) {
                 ReportPatternError(body, alone.status(), alone.errorOffset());
                 return false;
             }
         }
         if (body.find("\\Q") != std::string::npos) body += "\\E";
-        if (options.find('x') != std::string::npos) body += '\n';  // ends a trailing comment
+        if (options_.find('x') != std::string::npos) body += '\n';  // ends a trailing comment
         if (s.line) body = "^(?:" + body + ")$";
         else if (s.word) body = "(?<!\\w)(?:" + body + ")(?!\\w)";
-        if (!AddEntry(body, options, s.nullData, &entries_)) return false;
+        if (!AddEntry(body, s.nullData, true, &entries_)) return false;
     }
-    return JoinPlainPatterns(s, options);
+    return true;
 }
 
-bool GrepPatterns::AddEntry(const std::string& body, const std::string& options, bool nullData,
-                            std::vector<Entry>* to) {
-    vkpch::Regex re(body, options);
+bool GrepPatterns::AddEntry(const std::string& body, bool nullData, bool report, std::vector<Entry>* to) {
+    vkpch::Regex re(body, options_);
     if (!re.ok()) {
-        ReportPatternError(body, re.status(), re.errorOffset());
+        if (report) ReportPatternError(body, re.status(), re.errorOffset());
         return false;
     }
     const Reach reach = nullData ? Reach{false, false} : Classify(re.state());
@@ -143,18 +154,19 @@ bool GrepPatterns::AddEntry(const std::string& body, const std::string& options,
 
 // Many patterns of plain text (letters, digits, '_', spaces outside the x
 // option, bytes of multi-byte characters) are searched as alternations:
-// one pass over the text for each, rather than one for each pattern.
-bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s, const std::string& options) {
+// one pass over the text for each, rather than one for each pattern. False
+// when the patterns are not of that kind or a join does not compile.
+bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s) {
     constexpr size_t kJoinedPatterns = 10000;
-    const bool extended = options.find('x') != std::string::npos;
-    if (s.patterns.size() < 2 || s.line || s.word) return true;
+    const bool extended = options_.find('x') != std::string::npos;
+    if (s.patterns.size() < 2 || s.line || s.word) return false;
     for (const std::string& p : s.patterns)
-        if (p.empty() || Escape(p) != p || (extended && p.find(' ') != std::string::npos)) return true;
+        if (p.empty() || Escape(p) != p || (extended && p.find(' ') != std::string::npos)) return false;
     for (size_t first = 0; first < s.patterns.size(); first += kJoinedPatterns) {
         std::string body;
         for (size_t k = first; k < s.patterns.size() && k < first + kJoinedPatterns; ++k)
             body += (k > first ? "|" : "") + s.patterns[k];
-        if (!AddEntry(body, options, s.nullData, &joined_)) return false;
+        if (!AddEntry(body, s.nullData, false, &joined_)) return false;
     }
     return true;
 }
@@ -223,6 +235,7 @@ const char* GrepPatterns::NextMatchingLine(const char* p, const char* end, bool*
 
 std::vector<std::pair<size_t, size_t>> GrepPatterns::Matches(const char* p, size_t n) {
     std::vector<std::pair<size_t, size_t>> all;
+    if (entries_.empty() && !CompileEach()) entries_.clear();  // a join compiled, so each pattern does
     for (Entry& e : entries_)
         for (const vkpch::Match& m : e.re.matches(std::string_view(p, n)))
             if (m.length() > 0) all.emplace_back(m.position(), m.length());

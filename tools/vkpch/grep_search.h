@@ -35,8 +35,8 @@ struct GrepResult {
 class GrepPatterns {
 public:
     // False after reporting a pattern error on standard error.
+    // `s` must outlive the patterns.
     bool Compile(const GrepSettings& s);
-    size_t size() const { return entries_.size(); }
 
     // Whether the line [p, p + n) matches; *limit set when a search ran out
     // of its budget (the line then counts as not matching).
@@ -55,9 +55,16 @@ private:
         bool acrossLines;  // a search over many lines finds each line's matches
         bool exact;        // and only them: no match needs checking on its line alone
     };
-    // Compiles body into a new entry of *to; false after reporting an error.
-    bool AddEntry(const std::string& body, const std::string& options, bool nullData, std::vector<Entry>* to);
-    bool JoinPlainPatterns(const GrepSettings& s, const std::string& options);
+    // Compiles body into a new entry of *to; false (after reporting the
+    // error when `report`) when it does not compile.
+    bool AddEntry(const std::string& body, bool nullData, bool report, std::vector<Entry>* to);
+    bool JoinPlainPatterns(const GrepSettings& s);
+    // Each pattern alone, wrapped as -F, -w and -x ask, into entries_.
+    bool CompileEach();
+    const GrepSettings* settings_ = nullptr;
+    std::string options_;
+    // Each pattern alone: what is searched when there is no join, and for
+    // the matches themselves (compiled on first use when there is one).
     std::vector<Entry> entries_;
     // Plain-text patterns joined into alternations of up to ten thousand
     // each, which the library searches for all at once: what line selection

@@ -1,8 +1,10 @@
 // Literal searches of the find driver: the search kernels of the width
-// chosen at attach, exact or ignoring ASCII case.
+// chosen at attach, exact or ignoring ASCII case (forward, filtered on the
+// rarest bytes where the first and last are common letters).
 #include "regexp/match/literal_scan.h"
 
 #include "kernels/active.h"
+#include "kernels/rare_byte_search.h"
 
 namespace vkp::regexp {
 
@@ -24,7 +26,11 @@ int FindLiteralSet(const u8* s, int len, const kernels::LiteralSet* set, int* wh
 
 int FindLiteral(const u8* s, int len, const u8* lit, int n, bool caseless) {
     if (n <= 0 || n > len) return -1;
-    if (caseless) return kernels::active::FindSubFoldedFwd(s, len, lit, n);
+    if (caseless) {
+        if (kernels::RareProbesPay(lit, n))
+            return kernels::active::FindSubFoldedRareFwd(s, len, lit, n, kernels::RareProbeOffsets(lit, n, true));
+        return kernels::active::FindSubFoldedFwd(s, len, lit, n);
+    }
     int i = -1;
     if (n == 1) kernels::active::FindUnitFwdInto(s, len, lit[0], &i);
     else kernels::active::FindSubFwdInto(s, len, lit, n, &i);
