@@ -245,6 +245,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"b", "b(?:)"},
         {"@", "@(?:)"},                           // ... not letters: exact also when caseless
         {"a@b", "a@b(?:)"},
+        {"(?i)Ab", "(?i)Ab(?:)"},                  // ... behind an option setting
     };
     // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
     const char* const kPieces[] = {"a", "a", "b", "b", "ab", "_", "1", "@", ":", "-", ".", "i", "n", "g",

@@ -115,8 +115,15 @@ bool ReadsCaptures(const Instruction* prog, int count) {
 
 
 // A program of literals at 0, 2, 4, ... with a top-level bar between each
-// two (one literal when count is 1).
-void MarkLiteralsOnly(const Instruction* prog, int count, Analysis* a) {
+// two (one literal when count is 1), or one literal behind an option
+// setting.
+void MarkLiteralsOnly(const Instruction* prog, int count, u32 options, Analysis* a) {
+    if (count == 2 && prog[0].op == OP_SETFLAGS && LiteralOf(prog[1]).length > 0) {
+        a->literalsFrom = 1;
+        options = static_cast<u32>(prog[0].a);
+        ++prog;
+        --count;
+    }
     if (count % 2 == 0) return;
     for (int k = 0; k < count; ++k) {
         const Instruction& ins = prog[k];
@@ -129,6 +136,7 @@ void MarkLiteralsOnly(const Instruction* prog, int count, Analysis* a) {
         if ((lit.bytes[0] & 0xC0) == 0x80) a->literalContinuationLed = 1;
     }
     a->literalsOnly = 1;
+    a->literalsCaseless = (options & kOptIgnoreCase) != 0;
 }
 
 // A byte of a literal that every match holds: one of the top-level
@@ -262,8 +270,8 @@ void SetNeed(const Instruction* prog, int count, Analysis* a) {
     a->need = kNeedNone;
     const StartFilter& f = a->filter;
     if (a->strategy == Strategy::kLiterals) {
-        if (count != 1) return;  // any of the literals will do
-        const Literal lit = LiteralOf(prog[0]);
+        if (count - a->literalsFrom != 1) return;  // any of the literals will do
+        const Literal lit = LiteralOf(prog[a->literalsFrom]);
         const bool pair = lit.length >= 2 && lit.bytes[0] < 0x80;
         a->need = pair ? NeedOfPair(lit.bytes[0], lit.bytes[1]) : NeedOfByte(lit.bytes[0]);
     } else if ((f.mode == StartFilter::kRunBefore || (f.mode == StartFilter::kLiteral && f.literal[0] < 0x80)) &&
@@ -313,7 +321,7 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     }
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
-    MarkLiteralsOnly(program, count, a);
+    MarkLiteralsOnly(program, count, options, a);
     // A program of one alternative that begins with a literal of two bytes
     // or more, which no repeat follows: every match begins with it, so the
     // search goes from one occurrence to the next.

@@ -71,16 +71,16 @@ Status NoMatch(int* numMatches) {
 // when the analysis compiled them into a set, else one after another.
 Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
                       int* numMatches) {
-    const Instruction* program = ProgramOf(state);
-    const bool caseless = (state->options & kOptIgnoreCase) != 0;
+    const Instruction* program = ProgramOf(state) + an.literalsFrom;
+    const int count = state->instructionCount - an.literalsFrom;
+    const bool caseless = an.literalsCaseless != 0;
     const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
     RegExpFind* records = RecordsOf(state);
     int written = 0;
     for (int pos = 0; written < cap;) {
         int length = 0, which = 0;
         const int i = an.leadSet ? FindLiteralSet(src + pos, srcLen - pos, an.leadSet, &which)
-                                 : LeftmostLiteral(program, state->instructionCount, src + pos, srcLen - pos,
-                                                   caseless, &length);
+                                 : LeftmostLiteral(program, count, src + pos, srcLen - pos, caseless, &length);
         if (i < 0) break;
         if (an.leadSet) length = LiteralOf(program[2 * which]).length;
         records[0] = {src + pos + i, length};
