@@ -70,9 +70,12 @@ const SetEntry* SetEntryFor(RegExpState* state);
 // True when the search of the pattern on the printed subject ends without
 // a match and without starting the matcher, as its needs show: its result
 // is then status 0 and no record.
+// The rarest need first: most subjects lack it, and the others are then
+// not looked at.
 VKP_INLINE bool PrintRulesOut(const SetEntry& e, const SubjectPrint& p) {
+    if (!(p.bits[e.at[0]] & e.mask[0])) return true;
     bool all = true;
-    for (int k = 0; k < kMaxNeeds; ++k) all &= (p.bits[e.at[k]] & e.mask[k]) != 0;
+    for (int k = 1; k < kMaxNeeds; ++k) all &= (p.bits[e.at[k]] & e.mask[k]) != 0;
     return !all;
 }
 
