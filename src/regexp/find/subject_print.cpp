@@ -11,11 +11,18 @@ namespace {
 
 static_assert(sizeof(GroupEntry) == kSetEntryBytes);  // the entry is group id 0's
 
-VKP_INLINE u32 Fold(u8 c) { return u8(c - 'A') < 26 ? u32(c | 0x20) : u32(c); }
+// ASCII letters in lower case, other bytes as they are.
+struct FoldTable {
+    u8 to[256] = {};
+    constexpr FoldTable() {
+        for (int c = 0; c < 256; ++c) to[c] = u8(c - 'A') < 26 ? u8(c | 0x20) : u8(c);
+    }
+};
+constexpr FoldTable kFold{};
+
+VKP_INLINE u32 Fold(u8 c) { return kFold.to[c]; }
 
 VKP_INLINE u32 PairKey(u32 first, u32 second) { return (first & 0x7F) << 7 | (second & 0x7F); }
-
-VKP_INLINE void Set(SubjectPrint* p, u32 key) { p->bits[key >> 3] |= u8(1u << (key & 7)); }
 
 // Adds a need unless it is there already; false when there is no room.
 bool AddNeed(u16 need, u16* needs, u8* count) {
@@ -34,12 +41,14 @@ int NeedOfPair(u8 first, u8 second) { return int(PairKey(Fold(first), Fold(secon
 
 void BuildPrint(const u8* s, int len, SubjectPrint* p) {
     __builtin_memset(p->bits, 0, sizeof p->bits);
+    u8* bytes = p->bits + kPairBytes;
     u32 prev = Fold(s[0]);
-    Set(p, kByteKey | prev);
+    bytes[prev] = 1;
     for (int i = 1; i < len; ++i) {
         const u32 c = Fold(s[i]);
-        Set(p, kByteKey | c);
-        Set(p, PairKey(prev, c));
+        const u32 key = PairKey(prev, c);
+        bytes[c] = 1;
+        p->bits[key >> 3] |= u8(1u << (key & 7));
         prev = c;
     }
 }
@@ -81,8 +90,8 @@ const SetEntry* SetEntryFor(RegExpState* state) {
     e.lastLiteralIndex = state->lastLiteralIndex;
     for (int k = 0; k < kMaxNeeds && an->needCount; ++k) {
         const int key = an->needs[k < an->needCount ? k : 0];
-        e.at[k] = u16(key >> 3);
-        e.mask[k] = u8(1u << (key & 7));
+        e.at[k] = u16(NeedAt(key));
+        e.mask[k] = NeedMask(key);
     }
     auto* kept = reinterpret_cast<SetEntry*>(state->workArea);
     *kept = e;

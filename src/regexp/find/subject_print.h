@@ -1,8 +1,7 @@
 // What a pattern set examines once per search: the bytes a subject holds
 // and the pairs of adjacent bytes, ASCII letters folded to lower case and
 // pairs kept on seven bits a byte (a superset: bytes at or above 0x80 share
-// their pairs with ASCII ones), as bits of a table indexed by the byte or
-// pair. Each pattern keeps in its analysis up to kMaxNeeds bytes or pairs
+// their pairs with ASCII ones), in tables indexed by the byte or pair. Each pattern keeps in its analysis up to kMaxNeeds bytes or pairs
 // its search needs before it starts the matcher or finds a literal; a
 // subject without one of them gives that pattern's no-match result, and
 // the pattern is not searched.
@@ -17,16 +16,19 @@
 namespace vkp::regexp {
 
 constexpr int kMaxNeeds = 4;
-constexpr int kByteKey = 1 << 14;                // pair keys lie below, byte keys from here
-constexpr int kPrintBytes = (kByteKey + 256) / 8;
+constexpr int kByteKey = 1 << 14;  // pair keys lie below, byte keys from here
+constexpr int kPairBytes = kByteKey / 8;
 
+// A bit per pair, then a byte per byte value (1 when the subject holds it).
 struct SubjectPrint {
-    alignas(32) u8 bits[kPrintBytes];
+    alignas(32) u8 bits[kPairBytes + 256];
 };
 
-// The key of a need: its bit in the print.
+// The key of a need, and where the print holds it.
 int NeedOfByte(u8 b);
 int NeedOfPair(u8 first, u8 second);
+VKP_INLINE int NeedAt(int key) { return key < kByteKey ? key >> 3 : kPairBytes + (key - kByteKey); }
+VKP_INLINE u8 NeedMask(int key) { return key < kByteKey ? u8(1u << (key & 7)) : u8(1); }
 
 // Adds to needs[0, *count) the pairs of a literal the search needs, the
 // rarest first, up to kMaxNeeds; or a byte.
