@@ -3,8 +3,9 @@
 // and each search record against a search with that pattern alone.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,6 @@
 
 namespace {
 
-using vkptest::CompiledRegExp;
 using vkptest::GuardedBuffer;
 
 struct Slot {
@@ -23,19 +23,38 @@ struct Slot {
 };
 
 TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
-    // Patterns with and without a byte or pair their search needs (which
-    // the set examines once per subject).
+    // Patterns with and without bytes or pairs their search needs (which
+    // the set examines once per subject), compiled into a few blocks that
+    // are recompiled in place, given other options, formats and match
+    // limits between searches.
     const char* const patterns[] = {"a+", "(b)(c)?", "\\d+", "x|yz", "q", "^a", "(?<=b)a*", "ab", "(?i)Yz",
-                                    "bc\\w*", "\\w+q", "(?:a|aa){3,}b", "\x80" "a"};
-    std::vector<std::unique_ptr<CompiledRegExp>> compiled;
-    for (const char* p : patterns) compiled.push_back(std::make_unique<CompiledRegExp>(p, "g"));
-    compiled.push_back(std::make_unique<CompiledRegExp>("(a)(b)", ""));
-    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);  // not a compiled pattern: status -189
-    auto pick = [&](vkptest::Rng& rng) -> const vkpRegExpState* {
-        const int k = vkptest::RandomInt(rng, 0, int(compiled.size()));
-        return k == int(compiled.size()) ? reinterpret_cast<const vkpRegExpState*>(blank.data()) : compiled[size_t(k)]->state();
+                                    "bc\\w*", "\\w+q", "(?:a|aa){3,}b", "\x80" "a", "(a)(b)", "abq1", "yzab",
+                                    "(?i)bYzAq", "a\x80" "b", "x\\d\\w*yzq", "qa\\b", "[ab]yz1", "\\w{1,2}yq", "[abc]{2}1"};
+    const char* const options[] = {"", "g", "i"};
+    int blockSize = 0;
+    for (const char* p : patterns) {
+        int size = 0;
+        ASSERT_EQ(vkpsRegExpGetSize(p, &size), 0);
+        blockSize = std::max(blockSize, size);
+    }
+    std::vector<std::vector<long long>> blocks(7, std::vector<long long>(size_t(blockSize) / 8 + 1));
+    auto block = [&](size_t k) { return reinterpret_cast<vkpRegExpState*>(blocks[k].data()); };
+    const char* seed = std::getenv("VKPCH_SET_SEED");  // another seed, another run
+    vkptest::Rng rng(seed ? unsigned(std::atol(seed)) : 5407u);
+    auto recompile = [&](size_t k) {
+        int offset = 0;
+        ASSERT_EQ(vkpsRegExpInit(patterns[vkptest::RandomInt(rng, 0, int(std::size(patterns)) - 1)],
+                                 options[vkptest::RandomInt(rng, 0, 2)], block(k), &offset),
+                  0);
+        if (vkptest::RandomInt(rng, 0, 3) == 0) ASSERT_EQ(vkpsRegExpSetMatchLimit(vkptest::RandomInt(rng, 1, 40), block(k)), 0);
+        if (vkptest::RandomInt(rng, 0, 3) == 0) ASSERT_EQ(vkpsRegExpSetFormat(0, block(k)), 0);
     };
-    vkptest::Rng rng(5407);
+    for (size_t k = 0; k < blocks.size(); ++k) recompile(k);
+    std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);  // not a compiled pattern: status -189
+    auto pick = [&](vkptest::Rng& r) -> const vkpRegExpState* {
+        const int k = vkptest::RandomInt(r, 0, int(blocks.size()));
+        return k == int(blocks.size()) ? reinterpret_cast<const vkpRegExpState*>(blank.data()) : block(size_t(k));
+    };
     for (int capacity : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 40}) {  // 40: the set examines the subject once
         int size = 0;
         ASSERT_EQ(vkpsRegExpMultiGetSize(capacity, &size), 0);
@@ -86,11 +105,14 @@ TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
                 ASSERT_EQ(set->pIds[i], model[size_t(i)].id) << "slot " << i;
             }
             if (op % 8) continue;
+            // Blocks recompiled in place since the last search: the set must
+            // not go by what it kept of the old pattern.
+            for (int n = vkptest::RandomInt(rng, 0, 2); n > 0; --n) recompile(size_t(vkptest::RandomInt(rng, 0, 6)));
             // Search: a record per used slot as that pattern's own search;
             // records of free slots stay as they were.
-            const char* const pieces[] = {"a", "aa", "b", "c", "1", "x", "yz", "Y", "q", " ", "\x80", "B"};
+            const char* const pieces[] = {"a", "aa", "b", "c", "1", "x", "yz", "Y", "q", " ", "\x80", "B", "abq", "Yza", "aaaaaaaaaaaa"};
             std::string subject = "x";
-            for (int n = vkptest::RandomInt(rng, 0, 30); n > 0; --n) subject += pieces[vkptest::RandomInt(rng, 0, 11)];
+            for (int n = vkptest::RandomInt(rng, 0, 30); n > 0; --n) subject += pieces[vkptest::RandomInt(rng, 0, int(std::size(pieces)) - 1)];
             if (op % 16 == 0) subject = std::string(300, ' ') + subject;  // past the driver's short-subject tests
             std::vector<vkpRegExpFind> records(static_cast<size_t>(capacity) * 8);
             std::vector<vkpRegExpMultiFind> results(static_cast<size_t>(capacity));

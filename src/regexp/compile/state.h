@@ -40,7 +40,16 @@ constexpr int kWorkSecondPart = 16000;
 constexpr int kAnalysisBytes = 2048;
 constexpr int kAnalysisOffset = kWorkFirstPart - kAnalysisBytes;
 
-VKP_INLINE void ClearAnalysisStamp(RegExpState* s) { __builtin_memset(s->workArea + kAnalysisOffset, 0, 4); }
+// Group id 0's entry of the group table (the work area's first 32 bytes),
+// which the table never uses, keeps what a pattern set reads of a pattern
+// (regexp/find/subject_print.h), behind a stamp of its own.
+constexpr int kSetEntryBytes = 32;
+
+// Clears both stamps: the compiler's new program must find neither.
+VKP_INLINE void ClearAnalysisStamp(RegExpState* s) {
+    __builtin_memset(s->workArea + kAnalysisOffset, 0, 4);
+    __builtin_memset(s->workArea, 0, 4);
+}
 
 // The first part's last word keeps the block's size, written by the
 // compiler, so that the find driver can use the room behind the literal

@@ -19,8 +19,7 @@ static_assert(sizeof(MultiState) == 24 && sizeof(vkpRegExpMultiFind) == 24);
 constexpr Status kErrSetFull = VKP_ERR_SET_FULL;
 constexpr Status kErrNoSuchId = VKP_ERR_NO_SUCH_ID;
 constexpr Status kErrZeroId = VKP_ERR_ZERO_ID;
-constexpr int kPrintFromPatterns = 32;
-constexpr int kPrefetchAhead = 8;
+constexpr int kPrefetchAhead = 16;
 
 // Block bytes for a capacity, or -1 when below 1 or beyond an int.
 long long SetBlockSize(int maxPatterns) {
@@ -113,36 +112,47 @@ Status vkpsRegExpMultiModify(const RegExpState* pPattern, int patternId, MultiSt
 Status vkpsRegExpMultiFind_8u(const u8* pSrc, int srcLen, vkpRegExpMultiFind* pResults, const MultiState* pState) {
     if (!pSrc || !pResults || !pState) return kErrNull;
     if (srcLen < 1) return kErrSize;
-    // The subject's bytes and byte pairs, examined once for all patterns
-    // (on the first pattern that needs them) in a set large enough for that
-    // to pay: with ten patterns of lines of text, examining the line cost
-    // more than the searches it saved.
-    regexp::SubjectPrint print(pSrc, srcLen);
-    const bool usePrint = pState->capacity >= kPrintFromPatterns;
-    for (int i = 0; i < pState->capacity; ++i) {
-        const RegExpState* pattern = pState->pPatterns[i];
-        if (!pattern) continue;
+    // The subject's bytes and byte pairs, examined once for all patterns,
+    // on the first pattern that has needs.
+    regexp::SubjectPrint print;
+    bool printed = false;
+    const RegExpState* const* slots = pState->pPatterns;
+    const int capacity = pState->capacity;
+    auto searchSlot = [&](int i) __attribute__((always_inline)) {
+        const RegExpState* pattern = slots[i];
+        if (!pattern) return;
         vkpRegExpMultiFind& r = pResults[i];
-        r.isValid = r.patternId = r.status = 0;
         // The set keeps the patterns as const; a search writes only their
-        // work areas. A pattern whose need the subject lacks gets the
+        // work areas. A pattern whose needs the subject lacks gets the
         // result its search would give, once its arguments pass.
         auto* p = const_cast<RegExpState*>(pattern);
-        // The words the test reads of a pattern some slots ahead: the
-        // patterns' blocks lie apart, each test would otherwise wait for them.
-        if (usePrint && i + kPrefetchAhead < pState->capacity)
-            if (const RegExpState* ahead = pState->pPatterns[i + kPrefetchAhead]) {
-                __builtin_prefetch(ahead);
-                __builtin_prefetch(ahead->workArea + kAnalysisOffset);
+        if (r.pMatches && r.numMatches >= 1 && p->magic == kRegExpMagic) {
+            const regexp::SetEntry* e = regexp::KeptSetEntry(p);
+            if (!e) e = regexp::SetEntryFor(p);
+            if (e->mask[0]) {
+                if (!printed) regexp::BuildPrint(pSrc, srcLen, &print);
+                printed = true;
+                if (regexp::PrintRulesOut(*e, print)) {
+                    r = {1, pState->pIds[i], 0, kOk, r.pMatches};
+                    return;
+                }
             }
-        if (usePrint && r.pMatches && r.numMatches >= 1 && p->magic == kRegExpMagic &&
-            regexp::SubjectRulesOut(p, &print))
-            r.numMatches = 0;
-        else
-            r.status = entry::vkpsRegExpFind_8u(pSrc, srcLen, p, r.pMatches, &r.numMatches);
+        }
+        r.status = entry::vkpsRegExpFind_8u(pSrc, srcLen, p, r.pMatches, &r.numMatches);
         r.patternId = pState->pIds[i];
         r.isValid = 1;
+    };
+    int i = 0;
+    for (; i < capacity - kPrefetchAhead; ++i) {
+        // The lines the test reads of a pattern some slots ahead (header and
+        // entry; prefetching a null slot does no harm): the patterns' blocks
+        // lie apart, each test would otherwise wait for its own.
+        const uintptr_t ahead = reinterpret_cast<uintptr_t>(slots[i + kPrefetchAhead]);
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead));
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead + 32 + kSetEntryBytes - 1));
+        searchSlot(i);
     }
+    for (; i < capacity; ++i) searchSlot(i);
     return kOk;
 }
 

@@ -261,25 +261,32 @@ void UseLeadLiterals(RegExpState* state, int highest, Analysis* a) {
 }
 
 // What a subject must hold for the search to get past the literal search
-// or the prefilters: the first two bytes of the one literal of a literal
-// program, or of the literal the start filter searches for (when its scan
-// never falls back to the start bytes), else the required byte. The
-// driver's checks of these end a search with no match before the matcher
-// runs (see find_driver.cpp), so a set may give that result unsearched.
+// or the prefilters: the pairs of the one literal of a literal program, or
+// of the literal the start filter searches for (when its scan never falls
+// back to the start bytes), and the required byte. The driver's checks of
+// these end a search with no match before the matcher runs (see
+// find_driver.cpp), so a set may give that result unsearched.
 void SetNeed(const Instruction* prog, int count, Analysis* a) {
-    a->need = kNeedNone;
+    a->needCount = 0;
     const StartFilter& f = a->filter;
     if (a->strategy == Strategy::kLiterals) {
-        if (count - a->literalsFrom != 1) return;  // any of the literals will do
-        const Literal lit = LiteralOf(prog[a->literalsFrom]);
-        const bool pair = lit.length >= 2 && lit.bytes[0] < 0x80;
-        a->need = pair ? NeedOfPair(lit.bytes[0], lit.bytes[1]) : NeedOfByte(lit.bytes[0]);
-    } else if ((f.mode == StartFilter::kRunBefore || (f.mode == StartFilter::kLiteral && f.literal[0] < 0x80)) &&
-               f.literalLength >= 2) {
-        a->need = NeedOfPair(f.literal[0], f.literal[1]);
-    } else if (a->requiredByte >= 0) {
-        a->need = NeedOfByte(static_cast<u8>(a->requiredByte));
+        const int from = a->literalsFrom;
+        if (count - from != 1) return;  // any of the literals will do
+        const Literal lit = LiteralOf(prog[from]);
+        const bool caseless = a->literalsCaseless || (static_cast<u32>(prog[from].c) & kOptIgnoreCase);
+        if (lit.length >= 2 && lit.bytes[0] < 0x80) AddLiteralNeeds(lit.bytes, lit.length, caseless, a->needs, &a->needCount);
+        if (a->needCount == 0) AddByteNeed(lit.bytes[0], a->needs, &a->needCount);
+        return;
     }
+    // An inner literal is searched for under format 1 only when no start
+    // byte lies at or above 0x80 (first_bytes.cpp).
+    const bool innerSearched = f.mode == StartFilter::kInnerLiteral &&
+                               !(f.set.bits[4] | f.set.bits[5] | f.set.bits[6] | f.set.bits[7]);
+    if ((f.mode == StartFilter::kRunBefore || (f.mode == StartFilter::kLiteral && f.literal[0] < 0x80) ||
+         innerSearched) && f.literalLength >= 2)
+        AddLiteralNeeds(f.literal, f.literalLength, f.caseless != 0, a->needs, &a->needCount);
+    if (innerSearched && f.literalLength == 1) AddByteNeed(f.literal[0], a->needs, &a->needCount);
+    if (a->requiredByte >= 0) AddByteNeed(static_cast<u8>(a->requiredByte), a->needs, &a->needCount);
 }
 
 }  // namespace

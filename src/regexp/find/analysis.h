@@ -10,6 +10,7 @@
 #include "regexp/compile/state.h"
 #include "regexp/match/match_hints.h"
 #include "regexp/find/first_bytes.h"
+#include "regexp/find/subject_print.h"
 
 namespace vkp::regexp {
 
@@ -30,10 +31,10 @@ struct Analysis {
     int groupCount;
     int lastLiteralIndex;
     int patternKind;
-    // A byte or a pair of adjacent bytes (subject_print.h) without which the
-    // search ends with no match before it starts the matcher, or kNeedNone;
-    // beside the words a pattern set's test of it reads with it.
-    int need;
+    // Bytes or pairs of adjacent bytes (subject_print.h) without any of
+    // which the search ends with no match before it starts the matcher.
+    u16 needs[kMaxNeeds];
+    u8 needCount;
     Strategy strategy;
     int anchorMode;        // as MatchStart takes it
     int firstAlternative;  // where MatchStart looks for the next top-level bar
