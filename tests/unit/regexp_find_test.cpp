@@ -260,7 +260,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
             lits += k ? "|" : "";
             for (int m = vkptest::RandomInt(rng, n > 40 ? 3 : 1, n > 40 ? 6 : 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
         }
-        pairs.push_back({lits, "(?:" + lits + "|(?!))"});
+        pairs.push_back({n == 12 || n == 1500 ? "(?:" + lits + ")" : lits, "(?:" + lits + "|(?!))"});  // in a group, or not
         pairs.push_back({"\\B(?:" + lits + ")+[gn]", "\\B(?:" + lits + "|(?!))+[gn]"});
     }
     for (const char* options : {"", "i", "g", "ig"}) {

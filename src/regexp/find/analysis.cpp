@@ -115,20 +115,24 @@ bool ReadsCaptures(const Instruction* prog, int count) {
 
 
 // A program of literals at 0, 2, 4, ... with a top-level bar between each
-// two (one literal when count is 1), or one literal behind an option
-// setting.
+// two (one literal when count is 1), one literal behind an option setting,
+// or a group of such literals (its bars linked to it) that is the whole
+// program.
 void MarkLiteralsOnly(const Instruction* prog, int count, u32 options, Analysis* a) {
+    int from = 0, to = count, link = 0;
     if (count == 2 && prog[0].op == OP_SETFLAGS && LiteralOf(prog[1]).length > 0) {
-        a->literalsFrom = 1;
+        from = 1;
         options = static_cast<u32>(prog[0].a);
-        ++prog;
-        --count;
+    } else if (count >= 3 && prog[0].op == OP_GROUP && prog[0].b == count - 2 && prog[count - 1].op == OP_KET) {
+        from = 1;
+        to = count - 1;
+        link = prog[0].a;
     }
-    if (count % 2 == 0) return;
-    for (int k = 0; k < count; ++k) {
+    if ((to - from) % 2 == 0) return;
+    for (int k = from; k < to; ++k) {
         const Instruction& ins = prog[k];
-        if (k % 2 == 1) {
-            if (ins.op != OP_ALT || ins.a != 0) return;
+        if ((k - from) % 2 == 1) {
+            if (ins.op != OP_ALT || ins.a != link) return;
             continue;
         }
         const Literal lit = LiteralOf(ins);
@@ -136,6 +140,8 @@ void MarkLiteralsOnly(const Instruction* prog, int count, u32 options, Analysis*
         if ((lit.bytes[0] & 0xC0) == 0x80) a->literalContinuationLed = 1;
     }
     a->literalsOnly = 1;
+    a->literalsFrom = static_cast<u8>(from);
+    a->literalsCount = to - from;
     a->literalsCaseless = (options & kOptIgnoreCase) != 0;
 }
 
@@ -271,7 +277,7 @@ void SetNeed(const Instruction* prog, int count, Analysis* a) {
     const StartFilter& f = a->filter;
     if (a->strategy == Strategy::kLiterals) {
         const int from = a->literalsFrom;
-        if (count - from != 1) return;  // any of the literals will do
+        if (a->literalsCount != 1) return;  // any of the literals will do
         const Literal lit = LiteralOf(prog[from]);
         const bool caseless = a->literalsCaseless || (static_cast<u32>(prog[from].c) & kOptIgnoreCase);
         if (lit.length >= 2 && lit.bytes[0] < 0x80) AddLiteralNeeds(lit.bytes, lit.length, caseless, a->needs, &a->needCount);

@@ -43,8 +43,9 @@ struct Analysis {
     u8 anyPossessive;      // some bit of `possessive` is set
     u8 leadLiteral;        // every match begins with the literal at index 0
     u8 literalsOnly;       // the program is one literal, or literals between top-level bars,
-    u8 literalsFrom;       // ... from this record on (1: behind an option setting, (?i)word)
+    u8 literalsFrom;       // ... from this record on (1: behind an option setting, (?i)word, or in a group)
     u8 literalsCaseless;   // ... compared ignoring ASCII case
+    int literalsCount;     // ... records of literals and bars
     u8 literalContinuationLed;  // ... one of which begins with a UTF-8 continuation byte
     u8 requiredByFilter;   // the start filter searches for the required byte itself
     int leadRepeat;        // repeat record of a leading unlimited greedy run, or -1

@@ -72,7 +72,7 @@ Status NoMatch(int* numMatches) {
 Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
                       int* numMatches) {
     const Instruction* program = ProgramOf(state) + an.literalsFrom;
-    const int count = state->instructionCount - an.literalsFrom;
+    const int count = an.literalsCount;
     const bool caseless = an.literalsCaseless != 0;
     const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
     RegExpFind* records = RecordsOf(state);

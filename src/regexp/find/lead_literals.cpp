@@ -50,7 +50,9 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
         // The literal search compares as the pattern's options say, whatever
         // the bars carry. A single literal keeps its own search, which
         // measures faster than a set of one, caseless too.
-        if (count < 3 || !LiteralsLead(prog, 0, count, 0, options, true, out)) return false;
+        const bool group = prog[0].op == OP_GROUP;  // the whole program (see analysis.cpp)
+        const int from = group ? 1 : 0, to = group ? count - 1 : count;
+        if (to - from < 3 || !LiteralsLead(prog, from, to, group ? prog[0].a : 0, options, true, out)) return false;
         out->caseless = (options & kOptIgnoreCase) != 0;
         return true;
     }
