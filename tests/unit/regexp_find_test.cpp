@@ -209,6 +209,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"a\\w*b", "a\\w*(?:b|(?!))"},             // the last literal
         {"[\\w.+-]+@\\w+", "(?:[\\w.+-]|(?!))+(?:@|(?!))\\w+"},  // possessive run, required byte
         {"\\w+:", "(?:\\w|(?!))+(?::|(?!))"},
+        {"\\b[ab_]+\\.c", "\\b(?:[ab_]|(?!))+(?:\\.|(?!))c"},  // ... behind anchors
+        {"\\B[ab1]+\\s", "\\B(?:[ab1]|(?!))+\\s"},
         {"\\d+-\\d*", "(?:\\d|(?!))+(?:-|(?!))\\d*"},
         {"\\w+ing\\b", "(?:\\w|(?!))+(?:ing|(?!))\\b"},   // leading runs that backtrack
         {"[ab]+b", "(?:[ab]|(?!))+(?:b|(?!))"},
@@ -261,7 +263,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
             for (int m = vkptest::RandomInt(rng, n > 40 ? 3 : 1, n > 40 ? 6 : 3); m > 0; --m) lits += kLetters[vkptest::RandomInt(rng, 0, 11)];
         }
         pairs.push_back({n == 12 || n == 1500 ? "(?:" + lits + ")" : lits, "(?:" + lits + "|(?!))"});  // in a group, or not
-        pairs.push_back({"\\B(?:" + lits + ")+[gn]", "\\B(?:" + lits + "|(?!))+[gn]"});
+        pairs.push_back({"\\B(?:" + lits + "){1,2}[gn]", "\\B(?:" + lits + "|(?!)){1,2}[gn]"});
     }
     for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {

@@ -169,6 +169,13 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
     }
 }
 
+// The first record of the program that is not an anchor.
+int FirstAfterAnchors(const Instruction* prog, int count) {
+    int i = 0;
+    while (i < count && prog[i].op == OP_ANCHOR) ++i;
+    return i;
+}
+
 // A program of one alternative that begins with a repeat of one item whose
 // members are all ASCII, followed by a literal that no repeat follows: a
 // match from s holds the literal at some p >= s with only members of the
@@ -178,8 +185,9 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
 // an occurrence at or after q, across that start). The search goes from
 // one occurrence to the next and back over the run before it.
 void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* a) {
-    if (count < 3 || !(IsSingleItem(prog[0].op) || prog[0].op == OP_CLASS)) return;
-    const int r = NextItem(prog, 0);
+    const int i = FirstAfterAnchors(prog, count);  // anchors take no bytes
+    if (count - i < 3 || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
+    const int r = NextItem(prog, i);
     const int f = r + 1;
     if (f >= count || !vkp::IsRepeat(prog[r].op)) return;
     const Literal literal = LiteralOf(prog[f]);
@@ -191,7 +199,7 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
     for (int k = 0; k < n; ++k)  // a caseless search folds ASCII letters only
         if (lit[k] >= 128 && (k == 0 || caseless)) return;
     ByteSet run{};
-    if (!ItemFirstBytes(prog, 0, options, &run)) return;
+    if (!ItemFirstBytes(prog, i, options, &run)) return;
     for (int k = 4; k < 8; ++k)
         if (run.bits[k]) return;
     a->filter.mode = StartFilter::kRunBefore;
@@ -207,8 +215,7 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
 // them does, which the run search finds a vector at a time.
 void FilterRun(const Instruction* prog, int count, Analysis* a) {
     if (a->filter.mode != StartFilter::kAscii) return;
-    int i = 0;
-    while (i < count && prog[i].op == OP_ANCHOR) ++i;
+    const int i = FirstAfterAnchors(prog, count);
     if (i >= count || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
     const int r = NextItem(prog, i);
     if (r >= count || !vkp::IsRepeat(prog[r].op) || prog[r].a < 3) return;
@@ -352,9 +359,11 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     // run sets any). From a start inside the run the run ends at e too and
     // the rest would be tried at some of the same positions: the search
     // goes on at e.
-    if (count > 1 && firstBar == count && a->anchorMode == kAnchorAnywhere && !ReadsCaptures(program, count) &&
-        (IsSingleItem(program[0].op) || program[0].op == OP_CLASS)) {
-        const int r = NextItem(program, 0);
+    // Anchors before the run take no bytes and set nothing: the same holds.
+    const int run = FirstAfterAnchors(program, count);
+    if (count - run > 1 && firstBar == count && a->anchorMode == kAnchorAnywhere && !ReadsCaptures(program, count) &&
+        (IsSingleItem(program[run].op) || program[run].op == OP_CLASS)) {
+        const int r = NextItem(program, run);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
     // Filters that search for something rarer than the start bytes: a
