@@ -240,6 +240,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"\\x{80}?\\w:", "\\x{80}?\\w(?::|(?!))"},
         {"\\b\\w{3,}\\b", "\\b(?:\\w|(?!)){3,}\\b"},  // runs of at least three
         {"[ab1_]{3,5}?n", "(?:[ab1_]|(?!)){3,5}?n"},
+        {"[ab]{2}\\b", "(?:[ab]|(?!)){2}\\b"},
         {"(?m)^a\\w", "(?m)(?:^|(?!))(?:a|(?!))\\w"},  // line starts (led by one byte)
         {"(?m)^\\n", "(?m)^(?:\\n|(?!))"},
         {"aB", "aB(?:)"},                         // a program that is one literal

@@ -210,7 +210,7 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* 
 }
 
 // A program of one alternative that begins, behind anchors, with at least
-// n >= 3 of one item whose members are ASCII bytes (`\b\w{12,}`, `\d{3,}`):
+// n >= 3 (2 of at most 26 bytes) of one item whose members are ASCII bytes (`\b\w{12,}`, `\d{3,}`):
 // its start bytes are the item's, and a match begins where a run of n of
 // them does, which the run search finds a vector at a time.
 void FilterRun(const Instruction* prog, int count, Analysis* a) {
@@ -218,7 +218,8 @@ void FilterRun(const Instruction* prog, int count, Analysis* a) {
     const int i = FirstAfterAnchors(prog, count);
     if (i >= count || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
     const int r = NextItem(prog, i);
-    if (r >= count || !vkp::IsRepeat(prog[r].op) || prog[r].a < 3) return;
+    // Pairs of a narrow class (digits, capitals) are rare enough too.
+    if (r >= count || !vkp::IsRepeat(prog[r].op) || prog[r].a < (a->filter.set.Count() <= 26 ? 2 : 3)) return;
     a->filter.mode = StartFilter::kRun;
     a->filter.runLength = prog[r].a;
 }
