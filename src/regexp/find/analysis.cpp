@@ -2,8 +2,8 @@
 // block and kept in its work area.
 #include "regexp/find/analysis.h"
 
-#include "regexp/find/inner_literal.h"
 #include "regexp/find/lead_literals.h"
+#include "regexp/find/start_filter.h"
 #include "regexp/find/subject_print.h"
 #include "regexp/match/items.h"
 
@@ -169,89 +169,6 @@ void FindRequiredByte(const Instruction* prog, int count, u32 options, Analysis*
     }
 }
 
-// The first record of the program that is not an anchor.
-int FirstAfterAnchors(const Instruction* prog, int count) {
-    int i = 0;
-    while (i < count && prog[i].op == OP_ANCHOR) ++i;
-    return i;
-}
-
-// A program of one alternative that begins with a repeat of one item whose
-// members are all ASCII, followed by a literal that no repeat follows: a
-// match from s holds the literal at some p >= s with only members of the
-// item in [s, p). So with q the first occurrence of the literal from the
-// search position on, every match starts at or after the start of the run
-// of members that ends at q (a start before it would need a run reaching
-// an occurrence at or after q, across that start). The search goes from
-// one occurrence to the next and back over the run before it.
-void FilterRunBefore(const Instruction* prog, int count, u32 options, Analysis* a) {
-    const int i = FirstAfterAnchors(prog, count);  // anchors take no bytes
-    if (count - i < 3 || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
-    const int r = NextItem(prog, i);
-    const int f = r + 1;
-    if (f >= count || !vkp::IsRepeat(prog[r].op)) return;
-    const Literal literal = LiteralOf(prog[f]);
-    if (literal.length == 0) return;
-    if (f + 1 < count && vkp::IsRepeat(prog[f + 1].op)) return;
-    const u8* lit = literal.bytes;
-    const int n = literal.length;
-    const bool caseless = ((options | static_cast<u32>(prog[f].c)) & kOptIgnoreCase) != 0;
-    for (int k = 0; k < n; ++k)  // a caseless search folds ASCII letters only
-        if (lit[k] >= 128 && (k == 0 || caseless)) return;
-    ByteSet run{};
-    if (!ItemFirstBytes(prog, i, options, &run)) return;
-    for (int k = 4; k < 8; ++k)
-        if (run.bits[k]) return;
-    a->filter.mode = StartFilter::kRunBefore;
-    a->filter.literal = lit;
-    a->filter.literalLength = n;
-    a->filter.caseless = caseless;
-    a->filter.run = run;
-}
-
-// A program of one alternative that begins, behind anchors, with at least
-// n >= 3 (2 of at most 26 bytes) of one item whose members are ASCII bytes (`\b\w{12,}`, `\d{3,}`):
-// its start bytes are the item's, and a match begins where a run of n of
-// them does, which the run search finds a vector at a time.
-void FilterRun(const Instruction* prog, int count, Analysis* a) {
-    if (a->filter.mode != StartFilter::kAscii) return;
-    const int i = FirstAfterAnchors(prog, count);
-    if (i >= count || !(IsSingleItem(prog[i].op) || prog[i].op == OP_CLASS)) return;
-    const int r = NextItem(prog, i);
-    // Pairs of a narrow class (digits, capitals) are rare enough too.
-    if (r >= count || !vkp::IsRepeat(prog[r].op) || prog[r].a < (a->filter.set.Count() <= 26 ? 2 : 3)) return;
-    a->filter.mode = StartFilter::kRun;
-    a->filter.runLength = prog[r].a;
-}
-
-// A literal every match holds near its start, searched for instead of the
-// bytes a match begins with when those are frequent: a set of several
-// bytes (digits, word bytes), or one byte where the literal is longer.
-void FilterInnerLiteral(const Instruction* prog, int count, u32 options, Analysis* a) {
-    StartFilter& f = a->filter;
-    const bool bytesOnly = f.mode == StartFilter::kByte || f.mode == StartFilter::kFolded ||
-                           f.mode == StartFilter::kFew || f.mode == StartFilter::kAscii || f.mode == StartFilter::kAny;
-    InnerLiteral inner;
-    if (!bytesOnly || !FindInnerLiteral(prog, count, options, &inner)) return;
-    if (inner.group >= 0) {  // a leading group is the lead literals' (UseLeadLiterals)
-        if (inner.maxBefore == 0) return;
-        f.mode = StartFilter::kInnerLiteralSet;
-        f.literals = nullptr;
-        f.innerGroup = inner.group;
-        f.innerOptions = inner.groupOptions;
-        f.innerMin = inner.minBefore;
-        f.innerMax = inner.maxBefore;
-        return;
-    }
-    if (inner.length < 2 && f.set.Count() < 3) return;
-    f.mode = StartFilter::kInnerLiteral;
-    f.literal = inner.bytes;
-    f.literalLength = inner.length;
-    f.caseless = inner.caseless;
-    f.innerMin = inner.minBefore;
-    f.innerMax = inner.maxBefore;
-}
-
 // Compiles the literals every match begins with one of into the block: the
 // literal search takes them all in one pass, or the start filter finds
 // where a match can begin with them (a group of two or more, none led by a
@@ -331,8 +248,6 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         // An anchor that a repeat makes optional anchors nothing.
         if (k + 1 < count && IsRepeat(&program[k + 1]) && program[k + 1].a == 0) a->anchorMode = kAnchorAnywhere;
     }
-    // Start positions whose byte cannot begin a match are passed over.
-    if (a->anchorMode == kAnchorAnywhere) a->filter = MakeStartFilter(program, count, options);
     ByteSet lead;
     a->lineLead[0] = '\n';
     if (a->anchorMode == kAnchorLineStarts && FirstBytes(program, count, options, &lead) && lead.Count() == 1) {
@@ -343,15 +258,9 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     a->leadLiteral = count > 0 && firstBar == count && (program[0].op == OP_CHAR || program[0].op == OP_STRING) &&
                      !(count > 1 && vkp::IsRepeat(program[1].op));
     MarkLiteralsOnly(program, count, options, a);
-    // A program of one alternative that begins with a literal of two bytes
-    // or more, which no repeat follows: every match begins with it, so the
-    // search goes from one occurrence to the next.
-    if (a->filter.mode != StartFilter::kNone && a->leadLiteral && program[0].op == OP_STRING && program[0].b >= 2) {
-        a->filter.mode = StartFilter::kLiteral;
-        a->filter.literal = static_cast<const u8*>(program[0].d);
-        a->filter.literalLength = program[0].b;
-        a->filter.caseless = ((options | static_cast<u32>(program[0].c)) & kOptIgnoreCase) != 0;
-    }
+    // Start positions that cannot begin a match are passed over.
+    if (a->anchorMode == kAnchorAnywhere)
+        a->filter = ChooseStartFilter(program, count, options, firstBar == count, a->leadLiteral != 0);
     if (firstBar == count) FindRequiredByte(program, count, options, a);
     MarkItems(program, 0, count, 0, options, 0, a);
     // A leading unlimited greedy run of one item: an attempt at s that ran
@@ -367,13 +276,6 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
         const int r = NextItem(program, run);
         if (r < count && program[r].op == OP_GREEDY_REPEAT && program[r].b == kRepeatUnlimited) a->leadRepeat = r;
     }
-    // Filters that search for something rarer than the start bytes: a
-    // literal at a bounded distance before the walk back over an unbounded
-    // run (which finds more starts to try), a run of class members last.
-    FilterInnerLiteral(program, count, options, a);
-    if (a->anchorMode == kAnchorAnywhere && firstBar == count && a->filter.mode != StartFilter::kInnerLiteral)
-        FilterRunBefore(program, count, options, a);
-    if (firstBar == count) FilterRun(program, count, a);
     // A required byte that the start filter searches for adds a second scan
     // of what the filter scans; the driver then tests the filter's literal
     // instead, on short subjects only, where that saves setting up the
