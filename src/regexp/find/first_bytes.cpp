@@ -204,19 +204,21 @@ namespace {
 // before the next occurrence is looked for.
 const u8* NextInnerCandidate(const StartFilter& f, const u8* pos, const u8* end) {
     for (;;) {
+        // Offsets from pos: the literal from innerMin on, starts up to it.
+        const long room = end - pos;
+        if (room - f.innerMin < (f.literals ? 1 : f.literalLength)) return nullptr;
         const u8* from = pos + f.innerMin;
-        if (end - from < (f.literals ? 1 : f.literalLength)) return nullptr;
-        const int len = static_cast<int>(end - from);
+        const int len = static_cast<int>(room - f.innerMin);
         int which;
         const int i = f.literals ? FindLiteralSet(from, len, f.literals, &which)
                                  : FindLiteral(from, len, f.literal, f.literalLength, f.caseless != 0);
         if (i < 0) return nullptr;
-        const u8* last = from + i - f.innerMin;
-        const u8* p = from + i - f.innerMax;
-        if (p < pos) p = pos;
-        for (; p <= last; ++p)
-            if (f.set.Has(*p)) return p;
-        pos = last + 1;
+        const long last = i;  // from pos: the occurrence, less innerMin
+        long k = last + f.innerMin - f.innerMax;
+        if (k < 0) k = 0;
+        for (; k <= last; ++k)
+            if (f.set.Has(pos[k])) return pos + k;
+        pos += last + 1;
     }
 }
 
