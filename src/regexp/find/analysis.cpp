@@ -211,8 +211,7 @@ void SetNeed(const Instruction* prog, int count, Analysis* a) {
     }
     // An inner literal is searched for under format 1 only when no start
     // byte lies at or above 0x80 (first_bytes.cpp).
-    const bool innerSearched = f.mode == StartFilter::kInnerLiteral &&
-                               !(f.set.bits[4] | f.set.bits[5] | f.set.bits[6] | f.set.bits[7]);
+    const bool innerSearched = f.mode == StartFilter::kInnerLiteral && !f.set.HasHigh();
     if ((f.mode == StartFilter::kRunBefore || (f.mode == StartFilter::kLiteral && f.literal[0] < 0x80) ||
          innerSearched) && f.literalLength >= 2)
         AddLiteralNeeds(f.literal, f.literalLength, f.caseless != 0, a->needs, &a->needCount);

@@ -198,10 +198,11 @@ StartFilter MakeStartFilter(const Instruction* program, int count, u32 options) 
 namespace {
 
 // The first start from pos on that can reach an occurrence of the inner
-// literal (or of any literal of the inner set): a match from s holds it at some o in [s + innerMin, s + innerMax],
-// so with o the first occurrence at or after pos + innerMin no start before
-// o - innerMax can match, and the starts up to o - innerMin are tried
-// before the next occurrence is looked for.
+// literal (or of any literal of the inner set): a match from s holds it at
+// some o in [s + innerMin, s + innerMax], so with o the first occurrence at
+// or after pos + innerMin no start before o - innerMax can match, and the
+// starts up to o - innerMin are tried before the next occurrence is looked
+// for.
 const u8* NextInnerCandidate(const StartFilter& f, const u8* pos, const u8* end) {
     for (;;) {
         // Offsets from pos: the literal from innerMin on, starts up to it.
@@ -255,7 +256,7 @@ const u8* NextCandidate(const StartFilter& f, const u8* pos, const u8* end, int 
             // Starts are taken from the set only: under format 1 a byte at
             // or above 0x80 may lie inside a character. A set not compiled
             // (no room in the block) leaves the start bytes.
-            if (format == kFormatUtf8 && (f.set.bits[4] | f.set.bits[5] | f.set.bits[6] | f.set.bits[7])) break;
+            if (format == kFormatUtf8 && f.set.HasHigh()) break;
             if (f.mode == StartFilter::kInnerLiteralSet && !f.literals) break;
             return NextInnerCandidate(f, pos, end);
         }

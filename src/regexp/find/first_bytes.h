@@ -16,6 +16,7 @@ struct ByteSet {
     void AddRange(int lo, int hi) {
         for (int b = lo; b <= hi; ++b) Add(static_cast<u8>(b));
     }
+    bool HasHigh() const { return (bits[4] | bits[5] | bits[6] | bits[7]) != 0; }  // a byte at or above 0x80
     int Count() const {  // no popcount builtin: it would pull in a runtime helper
         int n = 0;
         for (int b = 0; b < 256; ++b) n += Has(static_cast<u8>(b));

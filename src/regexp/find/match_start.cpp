@@ -48,8 +48,7 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, const Analysis&
         if (anchorMode == kAnchorLineStarts) {
             // The next line start, or the next one whose byte can begin a match.
             const int len = static_cast<int>(end - pos);
-            const int i = an.lineLed ? FindLiteral(pos, len, an.lineLead, 2, false)
-                                     : FindLiteral(pos, len, an.lineLead, 1, false);
+            const int i = FindLiteral(pos, len, an.lineLead, an.lineLed ? 2 : 1, false);
             if (i < 0) break;
             pos += i + 1;
             continue;

@@ -38,8 +38,7 @@ void FilterRunBefore(const Instruction* prog, int count, u32 options, StartFilte
         if (lit[k] >= 128 && (k == 0 || caseless)) return;
     ByteSet run{};
     if (!ItemFirstBytes(prog, i, options, &run)) return;
-    for (int k = 4; k < 8; ++k)
-        if (run.bits[k]) return;
+    if (run.HasHigh()) return;
     f->mode = StartFilter::kRunBefore;
     f->literal = lit;
     f->literalLength = n;
