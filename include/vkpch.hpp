@@ -8,9 +8,9 @@
 //     std::string swapped = date.replace(text, "$3/$2/$1");
 //
 // The const search methods of one Regex may run on many threads at once:
-// a search runs on a per-thread copy of the compiled block (the block's
-// work area is written by every search), refreshed only when the thread
-// last searched with another Regex.
+// every search writes the compiled block's work area, so each runs on a
+// whole copy of the block taken from the Regex's few idle copies (or made
+// afresh when all are in use) and put back afterwards.
 #ifndef VKPCH_HPP
 #define VKPCH_HPP
 
@@ -75,56 +75,67 @@ inline bool ReadsBehindSubject(const vkpRegExpState* s) {
     return false;
 }
 
-inline std::uint64_t NewId() {
-    static std::atomic<std::uint64_t> next{1};
-    return next.fetch_add(1, std::memory_order_relaxed);
+// A compiled block of `bytes` bytes: the whole block, as the search may use
+// the room behind the program.
+inline vkpRegExpState* CopyBlock(const vkpRegExpState* source, std::size_t bytes) {
+    auto* block = reinterpret_cast<vkpRegExpState*>(new std::uint64_t[(bytes + 7) / 8]);
+    std::memcpy(block, source, bytes);
+    return block;
 }
+inline void FreeBlock(vkpRegExpState* block) { delete[] reinterpret_cast<std::uint64_t*>(block); }
 
-// The calling thread's copies of the last few blocks it searched with. A
-// copy is the header, the work area and the program; string instructions
-// keep pointing at the literal bytes of the original block.
-class Clones {
+// Idle copies of one compiled block. A search takes one (a fresh copy when
+// none is idle) and gives it back; a copy keeps what the searches worked
+// out from the program, so it is made once, not per search. Lock-free: a
+// slot's exchange hands its copy to one taker only.
+class BlockPool {
 public:
-    // A block for one search with `source`'s program, global or not.
-    vkpRegExpState* For(const vkpRegExpState* source, std::uint64_t id, bool global) {
-        Slot* slot = nullptr;
-        for (Slot& s : slots_)
-            if (s.id == id) slot = &s;
-        if (!slot) {
-            slot = &slots_[next_];
-            next_ = (next_ + 1) % kSlots;
-            const std::size_t bytes = VKP_REGEXP_HEAD_SIZE + sizeof(vkpRegExpInstruction) * std::size_t(source->instructionCount);
-            slot->block.resize((bytes + 7) / 8);
-            std::memcpy(slot->block.data(), source, bytes);
-            slot->id = id;
-        } else {
-            // The setters may have changed the header since.
-            std::memcpy(slot->block.data(), source, offsetof(vkpRegExpState, workArea));
+    BlockPool() = default;
+    BlockPool(const BlockPool&) = delete;
+    BlockPool& operator=(const BlockPool&) = delete;
+    ~BlockPool() { Clear(); }
+
+    // A copy of source (`bytes` bytes) for one search, global or not.
+    vkpRegExpState* Take(const vkpRegExpState* source, std::size_t bytes, bool global) {
+        vkpRegExpState* block = nullptr;
+        for (auto& slot : idle_)
+            if ((block = slot.exchange(nullptr, std::memory_order_acquire))) break;
+        if (block)  // the setters may have changed the header words since
+            std::memcpy(block, source, offsetof(vkpRegExpState, workArea));
+        else
+            block = CopyBlock(source, bytes);
+        block->options = global ? block->options | VKP_REGEXP_GLOBAL : block->options & ~VKP_REGEXP_GLOBAL;
+        return block;
+    }
+    void Give(vkpRegExpState* block) {
+        for (auto& slot : idle_) {
+            vkpRegExpState* empty = nullptr;
+            if (slot.compare_exchange_strong(empty, block, std::memory_order_release)) return;
         }
-        auto* state = reinterpret_cast<vkpRegExpState*>(slot->block.data());
-        state->options = global ? state->options | VKP_REGEXP_GLOBAL : state->options & ~VKP_REGEXP_GLOBAL;
-        return state;
+        FreeBlock(block);
     }
-
-    // Forgets the copies of a released block.
-    void Drop(std::uint64_t id) {
-        for (Slot& s : slots_)
-            if (s.id == id) s.id = 0;
-    }
-
-    static Clones& Mine() {
-        thread_local Clones clones;
-        return clones;
+    // Frees the idle copies; no search may run meanwhile.
+    void Clear() {
+        for (auto& slot : idle_) FreeBlock(slot.exchange(nullptr));
     }
 
 private:
-    static constexpr int kSlots = 8;
-    struct Slot {
-        std::uint64_t id = 0;
-        std::vector<std::uint64_t> block;
-    };
-    Slot slots_[kSlots];
-    int next_ = 0;
+    std::atomic<vkpRegExpState*> idle_[8] = {};
+};
+
+// One search's copy, given back when the search ends.
+class Lease {
+public:
+    Lease(BlockPool& pool, const vkpRegExpState* source, std::size_t bytes, bool global)
+        : pool_(pool), block_(pool.Take(source, bytes, global)) {}
+    Lease(const Lease&) = delete;
+    Lease& operator=(const Lease&) = delete;
+    ~Lease() { pool_.Give(block_); }
+    vkpRegExpState* get() const { return block_; }
+
+private:
+    BlockPool& pool_;
+    vkpRegExpState* block_;
 };
 
 inline const vkp8u* Bytes(const char* p) {
@@ -290,6 +301,9 @@ public:
             return;
         }
         status_ = vkpsRegExpInitAlloc(pattern_.c_str(), options_.c_str(), &state_, &errorOffset_);
+        int bytes = 0;
+        vkpsRegExpGetSize(pattern_.c_str(), &bytes);
+        blockBytes_ = std::size_t(bytes);
         if (state_) readsBehind_ = detail::ReadsBehindSubject(state_);
     }
     explicit Regex(const char* pattern, const char* options = "")
@@ -300,8 +314,9 @@ public:
     Regex& operator=(Regex&& o) noexcept {
         if (this != &o) {
             Release();
+            o.pool_.Clear();
             state_ = std::exchange(o.state_, nullptr);
-            id_ = std::exchange(o.id_, detail::NewId());
+            blockBytes_ = o.blockBytes_;
             status_ = std::exchange(o.status_, VKP_ERR_NOT_COMPILED);
             errorOffset_ = o.errorOffset_;
             readsBehind_ = o.readsBehind_;
@@ -398,26 +413,30 @@ private:
         return copy.data();
     }
 
-    // One single search over bytes (the subject's bytes or their copy).
-    vkpStatus FindRecords(const char* bytes, std::size_t size, std::vector<vkpRegExpFind>& records) const {
-        records.resize(std::size_t(groupCount()));
-        int count = int(records.size());
-        vkpRegExpState* block = detail::Clones::Mine().For(state_, id_, false);
-        const vkpStatus st = vkpsRegExpFind_8u(detail::Bytes(bytes), int(size), block, records.data(), &count);
-        records.resize(st < 0 ? 0 : std::size_t(count));
+    // One single search over bytes (the subject's bytes or their copy) into
+    // records (room for every group); *count is set to the records written.
+    vkpStatus FindRecords(const char* bytes, std::size_t size, vkpRegExpFind* records, int* count) const {
+        *count = groupCount();
+        const detail::Lease block(pool_, state_, blockBytes_, false);
+        const vkpStatus st = vkpsRegExpFind_8u(detail::Bytes(bytes), int(size), block.get(), records, count);
+        if (st < 0) *count = 0;
         return st;
     }
 
     std::optional<Match> FindIn(std::string_view subject, bool readable, vkpStatus* status) const {
         vkpStatus st = state_ ? 0 : VKP_ERR_NOT_COMPILED;
         if (subject.size() > std::size_t(INT32_MAX)) st = VKP_ERR_LENGTH;
-        thread_local std::string copy;
-        thread_local std::vector<vkpRegExpFind> records;
+        std::string copy;
         const char* bytes = Searched(subject, readable, copy);
-        if (st == 0) st = FindRecords(bytes, subject.size(), records);
+        // The records of a search: on the stack for the common group counts.
+        vkpRegExpFind onStack[16];
+        std::vector<vkpRegExpFind> onHeap(groupCount() > 16 ? std::size_t(groupCount()) : 0);
+        vkpRegExpFind* records = onHeap.empty() ? onStack : onHeap.data();
+        int count = 0;
+        if (st == 0) st = FindRecords(bytes, subject.size(), records, &count);
         if (status) *status = st;
-        if (st < 0 || records.empty()) return std::nullopt;
-        return Match(subject, bytes, records.data(), int(records.size()));
+        if (st < 0 || count == 0) return std::nullopt;
+        return Match(subject, bytes, records, count);
     }
 
     static std::vector<Match> Collect(const MatchRange& range, vkpStatus* status) {
@@ -435,11 +454,14 @@ private:
             r.status_ = state_ ? VKP_ERR_LENGTH : VKP_ERR_NOT_COMPILED;
             return r;
         }
-        thread_local std::string copy;
+        std::string copy;
         const char* bytes = Searched(subject, readable, copy);
         r.base_ = bytes;
         if (subject.empty()) {  // the replace call takes no empty source
-            r.status_ = FindRecords(bytes, 0, r.records_);
+            r.records_.resize(std::size_t(groupCount()));
+            int count = 0;
+            r.status_ = FindRecords(bytes, 0, r.records_.data(), &count);
+            r.records_.resize(std::size_t(count));
             return r;
         }
         static const vkpRegExpReplaceState none = [] {
@@ -459,8 +481,8 @@ private:
         if (!state_ || !tmpl.ok()) return state_ ? tmpl.status() : VKP_ERR_NOT_COMPILED;
         if (subject.size() > std::size_t(INT32_MAX)) return VKP_ERR_LENGTH;
         if (subject.empty()) return ReplaceEmpty(tmpl, out);
-        thread_local std::string copy;
-        thread_local std::vector<vkpRegExpFind> records;
+        std::string copy;
+        std::vector<vkpRegExpFind> records;
         const char* bytes = Searched(subject, readable, copy);
         return ReplaceCall(std::string_view(bytes, subject.size()), out, records, tmpl.state(), global());
     }
@@ -479,10 +501,10 @@ private:
             int srcLen = int(src.size());
             int dstLen = int(std::min(out.size(), std::size_t(INT32_MAX)));
             int count = int(room);
-            vkpRegExpState* block = detail::Clones::Mine().For(state_, id_, all);
+            const detail::Lease block(pool_, state_, blockBytes_, all);
             const vkpStatus st = vkpsRegExpReplace_8u(detail::Bytes(src.data()), &srcLen,
                                                       reinterpret_cast<vkp8u*>(&out[0]), &dstLen, records.data(),
-                                                      &count, block, tmpl);
+                                                      &count, block.get(), tmpl);
             if (st < 0) {
                 out.clear();
                 return st;
@@ -538,13 +560,15 @@ private:
     }
 
     void Release() {
+        pool_.Clear();
         if (state_) vkpsRegExpFree(state_);
-        detail::Clones::Mine().Drop(id_);
         state_ = nullptr;
     }
 
+    friend class PatternSet;
     vkpRegExpState* state_ = nullptr;
-    std::uint64_t id_ = detail::NewId();
+    std::size_t blockBytes_ = 0;
+    mutable detail::BlockPool pool_;
     vkpStatus status_ = VKP_ERR_NOT_COMPILED;
     int errorOffset_ = -1;
     bool readsBehind_ = false;
@@ -654,9 +678,8 @@ private:
     vkpRegExpState* Copy(const Regex& re, std::size_t slot) {
         const vkpRegExpState* s = re.state();
         if (!s) return nullptr;
-        const std::size_t bytes = VKP_REGEXP_HEAD_SIZE + sizeof(vkpRegExpInstruction) * std::size_t(s->instructionCount);
-        blocks_[slot].resize((bytes + 7) / 8);
-        std::memcpy(blocks_[slot].data(), s, bytes);
+        blocks_[slot].resize((re.blockBytes_ + 7) / 8);
+        std::memcpy(blocks_[slot].data(), s, re.blockBytes_);
         return reinterpret_cast<vkpRegExpState*>(blocks_[slot].data());
     }
 

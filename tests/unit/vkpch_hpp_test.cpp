@@ -46,6 +46,14 @@ TEST(CppHeader, FindGroupsAndErrors) {
     EXPECT_TRUE(moved.ok());
     EXPECT_FALSE(re.ok());  // NOLINT(bugprone-use-after-move)
     EXPECT_EQ(moved.find(text)->group(1), std::string_view("ann"));
+
+    // Thousands of literals: the search keeps their table in the room
+    // behind the program, so the copy a search runs on is the whole block.
+    std::string words;
+    for (int k = 0; k < 3000; ++k) words += (k ? "|w" : "w") + std::to_string(k * 7919 % 100003) + "q";
+    const vkpch::Regex many(words);
+    const std::string subject = "w1q w7919q w23757q";
+    for (int round = 0; round < 2; ++round) EXPECT_EQ(many.find(subject)->span(0), (vkpch::Span{4, 6}));
 }
 
 // A reference for the header's results: the C functions run on a

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -39,18 +40,37 @@ int Report(const std::string& message, bool quiet) {
 
 namespace {
 
-// Each thread keeps the buffer of its last reader for the next one: a
-// recursive search opens many small files.
-std::vector<char>& SpareBuffer() {
-    thread_local std::vector<char> spare;
-    return spare;
+// Buffers of finished readers, kept for the next ones: a recursive search
+// opens many small files. Shared by the worker threads under a lock (a
+// thread-local buffer with a destructor is not safe on every platform's
+// thread exit).
+class SpareBuffers {
+public:
+    void Put(std::vector<char>& buf) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (spares_.size() < 16) spares_.push_back(std::move(buf));
+    }
+    void Get(std::vector<char>& buf) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (spares_.empty()) return;
+        buf.swap(spares_.back());
+        spares_.pop_back();
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<std::vector<char>> spares_;
+};
+SpareBuffers& Spares() {
+    static SpareBuffers spares;
+    return spares;
 }
 
 }  // namespace
 
 LineReader::~LineReader() {
     if (own_ && fd_ >= 0) VKPCH_CLOSE(fd_);
-    if (buf_.capacity() == kBlock + 2) SpareBuffer().swap(buf_);
+    if (buf_.capacity() == kBlock + 2) Spares().Put(buf_);
 }
 
 bool LineReader::Open(const std::string& path, std::string* error) {
@@ -78,7 +98,7 @@ bool LineReader::Open(const std::string& path, std::string* error) {
     }
     interactive_ = !(known && S_ISREG(st.st_mode));
     if (!interactive_) left_ = st.st_size;  // no read needed to see its end
-    buf_.swap(SpareBuffer());
+    Spares().Get(buf_);
     buf_.reserve(kBlock + 2);
     buf_.resize(kBlock + 2);  // room for a terminator behind a last line and the byte behind it
     return true;
