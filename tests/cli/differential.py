@@ -24,7 +24,7 @@ PATTERNS = [r"the", r"lamp", r"\bth\w+", r"[A-Z][a-z]+", r"\d+", r"(ab|cd)+", r"
             # from a search of each line: line feeds, anchors, flags, commits.
             r"[^x]*g$", r"\s+$", r"(?s)e.a", r"(?>[^b]*)$", r"(\w+) \1", r"(?-m)^the", r"\Athe", r"e\z",
             r"\Bing", r"(?<![a-z])the", r"a\s*\n?b", r"(?!the)\b\w+$", r".*lamp", r"[\D]+$"]
-LITERALS = ["e.g.", "(note)", "[tag]", "3.14", "don't", "a", "the", "x y", ""]
+LITERALS = ["e.g.", "(note)", "[tag]", "3.14", "don't", "a", "the", "x y", "", "lamp", " the", "keeper"]
 TEMPLATES = ["<$&>", "[$1]", "$2$1", "X", "", "$1-$1"]
 
 
@@ -82,6 +82,9 @@ def grep_case(rng, vkpch, names):
             files.insert(rng.randint(0, len(files)), "-")
     # vkpch takes options after operands as well; GNU grep too (GNU argument order).
     args = ["-e", pats[0]] if rng.random() < 0.3 else [pats[0]]
+    if fixed and rng.random() < 0.5:  # a word list: several patterns searched as one, often as words
+        args = [a for p in rng.sample(LITERALS, rng.randint(2, 4)) for a in ("-e", p)]
+        opts += ["-w"] if rng.random() < 0.5 and "-w" not in opts else []
     tail = files[:]
     flags = [o for o in opts if o.startswith("-") and len(o) == 2 and o not in "-m-A-B-C"]
     if rng.random() < 0.3 and flags and files:  # an option after the operands

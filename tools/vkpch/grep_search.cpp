@@ -154,18 +154,30 @@ bool GrepPatterns::AddEntry(const std::string& body, bool nullData, bool report,
 
 // Many patterns of plain text (letters, digits, '_', spaces outside the x
 // option, bytes of multi-byte characters) are searched as alternations:
-// one pass over the text for each, rather than one for each pattern. False
-// when the patterns are not of that kind or a join does not compile.
+// one pass over the text for each, rather than one for each pattern. With
+// -w the alternation is wrapped once: a line holds a word of the join where
+// it holds one of a pattern alone, as the search backtracks into the
+// alternation when the bound after it fails. (-x is left to the patterns
+// alone: each is a literal search, where the join would try every
+// alternative at every line start.) False when the patterns are not of
+// that kind or a join does not compile.
 bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s) {
     constexpr size_t kJoinedPatterns = 10000;
     const bool extended = options_.find('x') != std::string::npos;
-    if (s.patterns.size() < 2 || s.line || s.word) return false;
-    for (const std::string& p : s.patterns)
+    if (s.patterns.size() < 2 || s.line) return false;
+    // Patterns that begin and end with a word byte are bounded by \b, which
+    // the search looks through for the literals behind it.
+    bool wordEnds = true;
+    for (const std::string& p : s.patterns) {
         if (p.empty() || Escape(p) != p || (extended && p.find(' ') != std::string::npos)) return false;
+        const auto isWord = [](unsigned char c) { return std::isalnum(c) || c == '_'; };
+        wordEnds &= isWord(static_cast<unsigned char>(p.front())) && isWord(static_cast<unsigned char>(p.back()));
+    }
     for (size_t first = 0; first < s.patterns.size(); first += kJoinedPatterns) {
         std::string body;
         for (size_t k = first; k < s.patterns.size() && k < first + kJoinedPatterns; ++k)
             body += (k > first ? "|" : "") + s.patterns[k];
+        if (s.word) body = wordEnds ? "\\b(?:" + body + ")\\b" : "(?<!\\w)(?:" + body + ")(?!\\w)";
         if (!AddEntry(body, s.nullData, false, &joined_)) return false;
     }
     return true;

@@ -12,6 +12,7 @@
 //   back-reference sees the text of the path being tried.
 // - Options set inside a group end with it; each alternative starts with
 //   the options in force at its bar.
+#include "regexp/match/items.h"
 #include "regexp/match/match_context.h"
 #include "regexp/match/memo.h"
 
@@ -72,6 +73,17 @@ int ConditionalBody(const u8* pos, MatchContext* ctx, const Instruction* opener,
                : RunWithOptions(pos, ctx, ket, options, budget);
 }
 
+// Whether an alternative led by a literal fails at pos at once, as its
+// first item would: then it is passed over without entering it (a group of
+// many literal alternatives tries each in turn).
+VKP_INLINE bool FailsAtOnce(const u8* pos, const MatchContext* ctx, const Instruction* ip, u32 options) {
+    if (ip->op == OP_STRING)
+        return ip->b <= 0 || ctx->subjectEnd - pos < ip->b || !LiteralEq(*pos, *static_cast<const u8*>(ip->d), options);
+    if (ip->op == OP_CHAR && !RepeatAfter(ip, ctx))
+        return pos >= ctx->subjectEnd || !LiteralEq(*pos, static_cast<u8>(ip->a), options);
+    return false;
+}
+
 // One iteration of the group opened at `opener`: its alternatives in turn.
 VKP_INLINE int TryBody(const u8* pos, MatchContext* ctx, const Instruction* opener, int budget) {
     const Instruction* ket = KetOf(ctx, opener->a);
@@ -80,10 +92,15 @@ VKP_INLINE int TryBody(const u8* pos, MatchContext* ctx, const Instruction* open
     u32 options = opener->op == OP_FLAGGROUP ? static_cast<u32>(opener->c) : static_cast<u32>(ket->b);
     const Instruction* start = opener + 1;
     for (;;) {
-        const Instruction* bar = NextAlternative(start, ket, opener->a);
-        ctx->options = options;
-        if (!bar && options == saved) return MatchHere(pos, ctx, start, budget);
-        if (MatchHere(pos, ctx, start, budget) == 0) return 0;
+        // An alternative of one item (a literal, say) is followed by its bar.
+        const Instruction* bar = start + 1 < ket && start[1].op == OP_ALT && start[1].a == opener->a
+                                     ? start + 1
+                                     : NextAlternative(start, ket, opener->a);
+        if (!FailsAtOnce(pos, ctx, start, options)) {
+            ctx->options = options;
+            if (!bar && options == saved) return MatchHere(pos, ctx, start, budget);
+            if (MatchHere(pos, ctx, start, budget) == 0) return 0;
+        }
         if (!bar) break;
         options = static_cast<u32>(bar->b);
         start = bar + 1;
