@@ -21,10 +21,6 @@ std::vector<T> RandomUnits(Rng& rng, size_t n, unsigned alphabet, unsigned base 
 
 inline int RandomInt(Rng& rng, int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); }
 
-}  // namespace vkptest
-
-namespace vkptest {
-
 // Units for case and comparison tests: printable ASCII with probability
 // asciiShare, else any unit value (16u: most of them from the range where
 // the case mappings lie, some from the top of the range).

@@ -16,6 +16,13 @@ struct Span {
     bool operator==(const Span&) const = default;
 };
 
+// n copies of s, for long patterns and subjects.
+inline std::string Repeat(const std::string& s, int n) {
+    std::string out;
+    for (int i = 0; i < n; ++i) out += s;
+    return out;
+}
+
 struct SearchResult {
     vkpStatus status = 0;
     std::vector<Span> records;

@@ -1,13 +1,25 @@
-// Reference definitions of the set search, comparison, case and hash results:
-// plain loops, one unit at a time.
+// Reference definitions of the search, set search, comparison, case and hash
+// results: plain loops, one unit at a time.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include "floor/case_map.h"
 
 namespace vkptest {
+
+// The first (or, reversed, the last) position of f in s; -1 for an empty f.
+template <class T>
+int RefFind(const std::vector<T>& s, const std::vector<T>& f, bool reverse = false) {
+    const int len = int(s.size()), m = int(f.size());
+    for (int k = 0; m && k <= len - m; ++k) {
+        const int i = reverse ? len - m - k : k;
+        if (std::equal(f.begin(), f.end(), s.begin() + i)) return i;
+    }
+    return -1;
+}
 
 template <class T>
 bool IsMember(T c, const std::vector<T>& set) {

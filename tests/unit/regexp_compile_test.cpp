@@ -9,12 +9,14 @@
 
 #include "support/guarded_buffer.h"
 #include "support/random_text.h"
+#include "support/regexp_search.h"
 #include "regexp/compile/listing.h"
 #include "vkpch.h"
 
 namespace {
 
 using vkptest::GuardedBuffer;
+using vkptest::Repeat;
 
 struct Compiled {
     vkpStatus status = 0;
@@ -214,12 +216,6 @@ TEST(RegExpCompile, HeaderOnFailure) {
     EXPECT_EQ(main.header.format, vkp::kFormatUtf8);
     EXPECT_EQ(main.header.instructionCount, -1);
     EXPECT_EQ(main.header.matchLimit, -1);
-}
-
-std::string Repeat(const std::string& s, int n) {
-    std::string out;
-    for (int i = 0; i < n; ++i) out += s;
-    return out;
 }
 
 // Group ids run to 999 (a dissolved group gives its id back); at most 1000

@@ -19,6 +19,7 @@
 namespace {
 
 using vkptest::CompiledRegExp;
+using vkptest::Repeat;
 using vkptest::Span;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -68,12 +69,6 @@ void RunOnStack(size_t bytes, const std::function<void()>& fn) {
     pthread_join(t, nullptr);
     pthread_attr_destroy(&attr);
 #endif
-}
-
-std::string Repeat(const std::string& s, int n) {
-    std::string r;
-    for (int i = 0; i < n; ++i) r += s;
-    return r;
 }
 
 // Searches that nest as deep as the default budget allows. Each level of

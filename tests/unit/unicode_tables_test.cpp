@@ -11,89 +11,14 @@
 namespace vkp {
 namespace {
 
-const ScriptRecord& Script(const char* name) {
-    for (const ScriptRecord& s : kScripts)
-        if (std::strcmp(s.name, name) == 0) return s;
-    ADD_FAILURE() << "no script " << name;
-    return kScripts[0];
-}
-
-// The names and ranges themselves are the generator's output (the
-// unicode.tables_fresh test regenerates them); here, the invariants the
-// lookups rely on and a few rows read from the Unicode data by hand.
-TEST(UnicodeBlocks, AscendingRanges) {
-    for (int i = 0; i < kBlockCount; ++i) {
-        EXPECT_LE(kBlocks[i].first, kBlocks[i].last) << kBlocks[i].name;
-        if (i > 0) {
-            EXPECT_GT(kBlocks[i].first, kBlocks[i - 1].last) << kBlocks[i].name;
+// Ranges ascend without overlap.
+template <class R>
+void ExpectAscending(const R* r, int n, const char* what) {
+    for (int k = 0; k < n; ++k) {
+        EXPECT_LE(r[k].first, r[k].last) << what << " " << k;
+        if (k > 0) {
+            EXPECT_GT(r[k].first, r[k - 1].last) << what << " " << k;
         }
-    }
-}
-
-TEST(UnicodeBlocks, TellingRows) {
-    struct Row { int index; const char* name; u32 first, last; };
-    const Row rows[] = {
-        {0, "InBasicLatin", 0, 0x7F},
-        {1, "InLatin1Supplement", 0x80, 0xFF},
-        {8, "InCyrillic", 0x400, 0x4FF},
-        {9, "InCyrillicSupplement", 0x500, 0x52F},
-        {kBlockCount - 1, "InSupplementaryPrivateUseAreaB", 0x100000, 0x10FFFF},
-    };
-    for (const Row& r : rows) {
-        EXPECT_STREQ(kBlocks[r.index].name, r.name);
-        EXPECT_EQ(kBlocks[r.index].first, r.first) << r.name;
-        EXPECT_EQ(kBlocks[r.index].last, r.last) << r.name;
-    }
-}
-
-TEST(UnicodeScripts, LookupOrderAndDisjointAscendingRanges) {
-    int total = 0;
-    for (int i = 0; i < kScriptCount; ++i) {
-        const ScriptRecord& s = kScripts[i];
-        EXPECT_EQ(s.firstRange, total) << s.name;
-        ASSERT_GT(s.rangeCount, 0) << s.name;
-        total += s.rangeCount;
-        const CodeRange* r = kScriptRanges + s.firstRange;
-        for (int k = 0; k < s.rangeCount; ++k) {
-            EXPECT_LE(r[k].first, r[k].last) << s.name << " " << k;
-            if (k > 0) {
-                EXPECT_GT(r[k].first, r[k - 1].last) << s.name << " " << k;
-            }
-        }
-    }
-    EXPECT_EQ(total, kScriptRangeCount);
-}
-
-TEST(UnicodeScripts, TellingRows) {
-    struct Rows { const char* script; bool atEnd; CodeRange rows[6]; int n; };
-    const Rows cases[] = {
-        {"Common", false, {{0, 0x1F}, {0x20, 0x20}, {0x21, 0x23}, {0x24, 0x24}}, 4},
-        {"Common", true, {{0xE0020, 0xE007F}}, 1},
-        {"Latin", false,
-         {{0x41, 0x5A}, {0x61, 0x7A}, {0xAA, 0xAA}, {0xBA, 0xBA}, {0xC0, 0xD6}, {0xD8, 0xF6}}, 6},
-        {"Latin", true, {{0xFF41, 0xFF5A}}, 1},
-    };
-    for (const Rows& c : cases) {
-        const ScriptRecord& s = Script(c.script);
-        const CodeRange* r = kScriptRanges + s.firstRange + (c.atEnd ? s.rangeCount - c.n : 0);
-        for (int k = 0; k < c.n; ++k) {
-            EXPECT_EQ(r[k].first, c.rows[k].first) << c.script << " " << k;
-            EXPECT_EQ(r[k].last, c.rows[k].last) << c.script << " " << k;
-        }
-    }
-}
-
-TEST(UnicodeChars, RangeTable) {
-    const CharRange expected[kCharRangeCount] = {
-        {0x3400, 0x4DB5, 0x90},     {0x4E00, 0x9FC3, 0x90},     {0xAC00, 0xD7A3, 0x90},
-        {0xD800, 0xDB7F, 0x2008},   {0xDB80, 0xDBFF, 0x2008},   {0xDC00, 0xDFFF, 0x2008},
-        {0xE000, 0xF8FF, 0x2004},   {0x20000, 0x2A6D6, 0x90},   {0xF0000, 0xFFFFD, 0x2004},
-        {0x100000, 0x10FFFD, 0x2004},
-    };
-    for (int i = 0; i < kCharRangeCount; ++i) {
-        EXPECT_EQ(kCharRanges[i].first, expected[i].first) << i;
-        EXPECT_EQ(kCharRanges[i].last, expected[i].last) << i;
-        EXPECT_EQ(kCharRanges[i].bits, expected[i].bits) << i;
     }
 }
 
@@ -104,7 +29,20 @@ bool WellFormedCategory(u32 bits) {
            (minor & (minor - 1)) == 0 && bits != kCatCn;
 }
 
-TEST(UnicodeChars, RecordsAscendOutsideTheRanges) {
+// The names and ranges themselves are the generator's output (the
+// unicode.tables_fresh test regenerates them); here, the invariants the
+// lookups rely on.
+TEST(UnicodeTables, Invariants) {
+    ExpectAscending(kBlocks, kBlockCount, "blocks");
+    int total = 0;
+    for (int i = 0; i < kScriptCount; ++i) {
+        const ScriptRecord& s = kScripts[i];
+        EXPECT_EQ(s.firstRange, total) << s.name;
+        ASSERT_GT(s.rangeCount, 0) << s.name;
+        total += s.rangeCount;
+        ExpectAscending(kScriptRanges + s.firstRange, s.rangeCount, s.name);
+    }
+    EXPECT_EQ(total, kScriptRangeCount);
     EXPECT_EQ(kCharRecords[0].codePoint, 0);
     EXPECT_EQ(kCharRecords[kCharRecordCount - 1].codePoint, kLastCharCodePoint);
     for (int i = 0; i < kCharRecordCount; ++i) {
@@ -114,19 +52,64 @@ TEST(UnicodeChars, RecordsAscendOutsideTheRanges) {
         }
         EXPECT_TRUE(WellFormedCategory(r.bits)) << std::hex << r.codePoint;
         for (const CharRange& g : kCharRanges)
-            EXPECT_FALSE(g.first <= u32(r.codePoint) && u32(r.codePoint) <= g.last)
-                << std::hex << r.codePoint;
+            EXPECT_FALSE(g.first <= u32(r.codePoint) && u32(r.codePoint) <= g.last) << std::hex << r.codePoint;
     }
+    u32 rows = 0;
+    for (u16 start : kCaseMapIndex) {
+        EXPECT_EQ(start % 64, 0);
+        rows = std::max<u32>(rows, start / 64u + 1);
+    }
+    for (u32 i = 0; i < rows * 64; ++i) EXPECT_LT(kCaseMapContents[i], kCaseMapWordCount);
+    EXPECT_EQ(kCaseMapWords[0], 0u);
 }
 
-TEST(UnicodeChars, TellingRecords) {
-    struct Row { int cp; u32 bits, upper, lower; };
-    const Row rows[] = {
+// Rows read from the Unicode data by hand: blocks, the first and last
+// ranges of two scripts, the whole range table and a few characters.
+TEST(UnicodeTables, TellingRows) {
+    const struct { int index; const char* name; u32 first, last; } blocks[] = {
+        {0, "InBasicLatin", 0, 0x7F},       {1, "InLatin1Supplement", 0x80, 0xFF},
+        {8, "InCyrillic", 0x400, 0x4FF},    {9, "InCyrillicSupplement", 0x500, 0x52F},
+        {kBlockCount - 1, "InSupplementaryPrivateUseAreaB", 0x100000, 0x10FFFF},
+    };
+    for (const auto& r : blocks) {
+        EXPECT_STREQ(kBlocks[r.index].name, r.name);
+        EXPECT_EQ(kBlocks[r.index].first, r.first) << r.name;
+        EXPECT_EQ(kBlocks[r.index].last, r.last) << r.name;
+    }
+    const struct { const char* script; bool atEnd; CodeRange rows[6]; int n; } scripts[] = {
+        {"Common", false, {{0, 0x1F}, {0x20, 0x20}, {0x21, 0x23}, {0x24, 0x24}}, 4},
+        {"Common", true, {{0xE0020, 0xE007F}}, 1},
+        {"Latin", false, {{0x41, 0x5A}, {0x61, 0x7A}, {0xAA, 0xAA}, {0xBA, 0xBA}, {0xC0, 0xD6}, {0xD8, 0xF6}}, 6},
+        {"Latin", true, {{0xFF41, 0xFF5A}}, 1},
+    };
+    for (const auto& c : scripts) {
+        const ScriptRecord* s = nullptr;
+        for (const ScriptRecord& r : kScripts)
+            if (std::strcmp(r.name, c.script) == 0) s = &r;
+        ASSERT_NE(s, nullptr) << c.script;
+        const CodeRange* r = kScriptRanges + s->firstRange + (c.atEnd ? s->rangeCount - c.n : 0);
+        for (int k = 0; k < c.n; ++k) {
+            EXPECT_EQ(r[k].first, c.rows[k].first) << c.script << " " << k;
+            EXPECT_EQ(r[k].last, c.rows[k].last) << c.script << " " << k;
+        }
+    }
+    const CharRange ranges[kCharRangeCount] = {
+        {0x3400, 0x4DB5, 0x90},     {0x4E00, 0x9FC3, 0x90},     {0xAC00, 0xD7A3, 0x90},
+        {0xD800, 0xDB7F, 0x2008},   {0xDB80, 0xDBFF, 0x2008},   {0xDC00, 0xDFFF, 0x2008},
+        {0xE000, 0xF8FF, 0x2004},   {0x20000, 0x2A6D6, 0x90},   {0xF0000, 0xFFFFD, 0x2004},
+        {0x100000, 0x10FFFD, 0x2004},
+    };
+    for (int i = 0; i < kCharRangeCount; ++i) {
+        EXPECT_EQ(kCharRanges[i].first, ranges[i].first) << i;
+        EXPECT_EQ(kCharRanges[i].last, ranges[i].last) << i;
+        EXPECT_EQ(kCharRanges[i].bits, ranges[i].bits) << i;
+    }
+    const struct { int cp; u32 bits, upper, lower; } chars[] = {
         {0x41, 0x82, 0, 0x61}, {0x61, 0x81, 0x41, 0}, {0x3A3, kCatLu, 0, 0x3C3},
         {0x1E9E, kCatLu, 0, 0xDF}, {0x2126, kCatLu, 0, 0x3C9}, {0x01C5, kCatLt, 0x1C4, 0x1C6},
         {0x30, kCatNd, 0, 0}, {0xE01EF, kCatMn, 0, 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : chars) {
         const CharRecord* r = nullptr;
         for (const CharRecord& rec : kCharRecords)
             if (rec.codePoint == row.cp) r = &rec;
@@ -196,16 +179,6 @@ TEST(CaseMap, TellingRowsAndEdgeCases) {
         EXPECT_EQ(m.hasUpper ? int(m.upper) : -1, r.upper) << std::hex << r.c;
         EXPECT_EQ(m.hasLower ? int(m.lower) : -1, r.lower) << std::hex << r.c;
     }
-}
-
-TEST(CaseMap, IndexPointsAtWholeRows) {
-    u32 rows = 0;
-    for (u16 start : kCaseMapIndex) {
-        EXPECT_EQ(start % 64, 0);
-        rows = std::max<u32>(rows, start / 64u + 1);
-    }
-    for (u32 i = 0; i < rows * 64; ++i) EXPECT_LT(kCaseMapContents[i], kCaseMapWordCount);
-    EXPECT_EQ(kCaseMapWords[0], 0u);
 }
 
 }  // namespace
