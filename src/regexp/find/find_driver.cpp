@@ -244,12 +244,11 @@ Status MatchAll(MatchContext* ctx, const Analysis& an, const Window& w, const u8
     return written >= perMatch ? kOk : VKP_WARN_FEW_RECORDS;
 }
 
-// The search with the matcher, for every strategy but the literal search
-// alone. Kept out of line: its frame (the matcher's context) is set up only
-// for the searches that get this far.
-__attribute__((noinline)) Status SearchWithMatcher(const u8* src, int srcLen, RegExpState* state, const Analysis& an,
-                                                   RegExpFind* matches, int* numMatches, const char* stackFloor,
-                                                   Memo* memo, bool allRecords) {
+// The search, by the strategy the analysis chose for the pattern.
+Status Search(const u8* src, int srcLen, RegExpState* state, const Analysis& an, RegExpFind* matches,
+              int* numMatches, const char* stackFloor, Memo* memo, bool allRecords) {
+    if (an.strategy == Strategy::kLiterals && LiteralSearchServes(state, an))
+        return SearchLiterals(src, srcLen, state, an, matches, numMatches);
     Window w{src, srcLen};
     CutBehindLastLiteral(state, &w);
     if (an.strategy != Strategy::kMatcher && !StartAtLeadingLiteral(state, an, &w)) return NoMatch(numMatches);
@@ -270,9 +269,7 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
     bool kept = true;
     const Analysis* an = KeptAnalysis(state);
     if (!an) an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
-    const Status s = an->strategy == Strategy::kLiterals && LiteralSearchServes(state, *an)
-                         ? SearchLiterals(src, srcLen, state, *an, matches, numMatches)
-                         : SearchWithMatcher(src, srcLen, state, *an, matches, numMatches, stackFloor, memo, allRecords);
+    const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor, memo, allRecords);
     if (!kept) ClearAnalysisStamp(state);
     return s;
 }
