@@ -252,7 +252,8 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"@\\w+:", "(?:@|(?!))\\w+:"},               // leading items checked before the matcher
         {"_a\\w+?\\.", "(?:_|(?!))a\\w+?\\."},
         {"(-[\\w.]+){2,}", "((?:-|(?!))[\\w.]+){2,}"},
-        {"\\b[ab1]{1,3}\\.[ab]{2}:", "\\b(?:[ab1]|(?!)){1,3}\\.[ab]{2}:"},
+        {"[ab1]{1,2}\\.\\b[ab]{2}:", "(?:[ab1]|(?!)){1,2}\\.\\b[ab]{2}:"},
+        {"[ab1]{1,2}[-:]\\w", "(?:[ab1]|(?!)){1,2}[-:]\\w"},
         {"[ab1]+[-:]\\w", "(?:[ab1]|(?!))+[-:]\\w"},
     };
     // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
