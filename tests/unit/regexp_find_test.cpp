@@ -249,6 +249,12 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         {"@", "@(?:)"},                           // ... not letters: exact also when caseless
         {"a@b", "a@b(?:)"},
         {"(?i)Ab", "(?i)Ab(?:)"},                  // ... behind an option setting
+        {"@\\w+:", "(?:@|(?!))\\w+:"},               // leading items checked before the matcher
+        {"_a\\w+?\\.", "(?:_|(?!))a\\w+?\\."},
+        {"(-[\\w.]+){2,}", "((?:-|(?!))[\\w.]+){2,}"},
+        {"[ab1]{1,2}\\.\\b[ab]{2}:", "(?:[ab1]|(?!)){1,2}\\.\\b[ab]{2}:"},
+        {"[ab1]{1,2}[-:]\\w", "(?:[ab1]|(?!)){1,2}[-:]\\w"},
+        {"[ab1]+[-:]\\w", "(?:[ab1]|(?!))+[-:]\\w"},
     };
     // Subjects are runs of these pieces; "\xc2\x80" is one UTF-8 character.
     const char* const kPieces[] = {"a", "a", "b", "b", "ab", "_", "1", "@", ":", "-", ".", "i", "n", "g",

@@ -260,6 +260,11 @@ int Analyze(const Instruction* program, int count, u32 options, GroupEntry* grou
     // Start positions that cannot begin a match are passed over.
     if (a->anchorMode == kAnchorAnywhere)
         a->filter = ChooseStartFilter(program, count, options, firstBar == count, a->leadLiteral != 0);
+    // The probe checks the leading items where the filter lets a start
+    // through; behind a run the filter has walked back over, the run and the
+    // literal after it are already known.
+    if (a->filter.mode != StartFilter::kNone && a->filter.mode != StartFilter::kRunBefore && firstBar == count)
+        MakeStartProbe(program, count, options, &a->probe);
     if (firstBar == count) FindRequiredByte(program, count, options, a);
     MarkItems(program, 0, count, 0, options, 0, a);
     // A leading unlimited greedy run of one item: an attempt at s that ran

@@ -10,6 +10,7 @@
 #include "regexp/compile/state.h"
 #include "regexp/match/match_hints.h"
 #include "regexp/find/first_bytes.h"
+#include "regexp/find/start_probe.h"
 #include "regexp/find/subject_print.h"
 
 namespace vkp::regexp {
@@ -54,6 +55,7 @@ struct Analysis {
     u8 lineLed;
     u8 lineLead[2];
     StartFilter filter;    // kNone when anchored or unknown
+    StartProbe probe;      // checked where the filter lets a start through (count 0: none)
     // Greedy repeats of one item whose continuation cannot begin with
     // anything the item matches: a shorter run can never help, so the
     // matcher tries the continuation at the longest run only. Indexed by

@@ -77,12 +77,22 @@ Status SearchLiterals(const u8* src, int srcLen, RegExpState* state, const Analy
     const int cap = (state->options & kOptGlobal) ? *numMatches : 1;
     RegExpFind* records = RecordsOf(state);
     int written = 0;
+    const Literal one = count == 1 ? LiteralOf(program[0]) : Literal{};
+    if (one.length && cap == 1) {  // one literal, one search: the commonest call, kept short
+        const int i = FindLiteral(src, srcLen, one.bytes, one.length, caseless);
+        if (i < 0) return NoMatch(numMatches);
+        records[0] = {src + i, one.length};
+        matches[0] = records[0];
+        *numMatches = 1;
+        return kOk;
+    }
     for (int pos = 0; written < cap;) {
-        int length = 0, which = 0;
-        const int i = an.leadSet ? FindLiteralSet(src + pos, srcLen - pos, an.leadSet, &which)
-                                 : LeftmostLiteral(program, count, src + pos, srcLen - pos, caseless, &length);
+        int length = one.length, which = 0;
+        const int i = one.length ? FindLiteral(src + pos, srcLen - pos, one.bytes, one.length, caseless)
+                      : an.leadSet ? FindLiteralSet(src + pos, srcLen - pos, an.leadSet, &which)
+                                   : LeftmostLiteral(program, count, src + pos, srcLen - pos, caseless, &length);
         if (i < 0) break;
-        if (an.leadSet) length = LiteralOf(program[2 * which]).length;
+        if (an.leadSet && !one.length) length = LiteralOf(program[2 * which]).length;
         records[0] = {src + pos + i, length};
         matches[written++] = records[0];
         pos += i + length;
@@ -256,8 +266,9 @@ Status FindInState(const u8* src, int srcLen, RegExpState* state, RegExpFind* ma
                    const char* stackFloor, Memo* memo, bool allRecords) {
     // Room for an analysis that cannot be kept, written only then.
     alignas(Analysis) u8 local[sizeof(Analysis)];
-    bool kept;
-    const Analysis* an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
+    bool kept = true;
+    const Analysis* an = KeptAnalysis(state);
+    if (!an) an = AnalysisFor(state, reinterpret_cast<Analysis*>(local), &kept);
     const Status s = Search(src, srcLen, state, *an, matches, numMatches, stackFloor, memo, allRecords);
     if (!kept) ClearAnalysisStamp(state);
     return s;

@@ -168,4 +168,12 @@ bool FindInnerLiteral(const Instruction* program, int count, u32 options, InnerL
     return FindIn(program, 0, count, options, Width{0, 0}, 0, out);
 }
 
+bool ItemByteWidth(const Instruction* program, int i, u32 options, int* min, int* max) {
+    Width w;
+    if (!ItemWidth(program, i, &options, 0, &w)) return false;
+    *min = w.min;
+    *max = w.max;
+    return true;
+}
+
 }  // namespace vkp::regexp

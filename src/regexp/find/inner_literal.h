@@ -30,4 +30,8 @@ constexpr int kInnerReach = 24;
 // four bytes). False when there is none, or the program has a top-level bar.
 bool FindInnerLiteral(const Instruction* program, int count, u32 options, InnerLiteral* out);
 
+// The fewest and most bytes the item at i (without a repeat behind it) can
+// take under `options`; false when unbounded or not worked out.
+bool ItemByteWidth(const Instruction* program, int i, u32 options, int* min, int* max);
+
 }  // namespace vkp::regexp

@@ -19,8 +19,15 @@ int MatchStart(const u8* subject, int length, MatchContext* ctx, const Analysis&
     ctx->recordsDirty = 1;
     const StartFilter* filter =
         anchorMode == kAnchorAnywhere && an.filter.mode != StartFilter::kNone ? &an.filter : nullptr;
+    const StartProbe* probe = filter && an.probe.count ? &an.probe : nullptr;
     for (;;) {
         if (filter && !(pos = NextCandidate(*filter, pos, end, ctx->format))) break;
+        if (probe) {
+            if (const u8* next = ProbeRejects(*probe, pos, end)) {
+                pos = next;
+                continue;
+            }
+        }
         if (ctx->recordsDirty) {
             for (int k = 1; k < ctx->recordCount; ++k) ctx->records[k] = {nullptr, -1};
             ctx->recordsDirty = 0;
