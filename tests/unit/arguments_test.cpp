@@ -184,7 +184,7 @@ TYPED_TEST(Arguments, CheckOrderAndEdgeResults) {
         Scratch<TypeParam> x;
         EXPECT_EQ(rows[k].call(x), rows[k].want) << "row " << k;
         EXPECT_EQ(x.out, rows[k].out) << "row " << k;
-        if (rows[k].want < 0) EXPECT_TRUE(x.Untouched()) << "row " << k;
+        if (rows[k].want < 0) { EXPECT_TRUE(x.Untouched()) << "row " << k; }
     }
 }
 

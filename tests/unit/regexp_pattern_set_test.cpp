@@ -46,8 +46,8 @@ TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
         ASSERT_EQ(vkpsRegExpInit(patterns[vkptest::RandomInt(rng, 0, int(std::size(patterns)) - 1)],
                                  options[vkptest::RandomInt(rng, 0, 2)], block(k), &offset),
                   0);
-        if (vkptest::RandomInt(rng, 0, 3) == 0) ASSERT_EQ(vkpsRegExpSetMatchLimit(vkptest::RandomInt(rng, 1, 40), block(k)), 0);
-        if (vkptest::RandomInt(rng, 0, 3) == 0) ASSERT_EQ(vkpsRegExpSetFormat(0, block(k)), 0);
+        if (vkptest::RandomInt(rng, 0, 3) == 0) { ASSERT_EQ(vkpsRegExpSetMatchLimit(vkptest::RandomInt(rng, 1, 40), block(k)), 0); }
+        if (vkptest::RandomInt(rng, 0, 3) == 0) { ASSERT_EQ(vkpsRegExpSetFormat(0, block(k)), 0); }
     };
     for (size_t k = 0; k < blocks.size(); ++k) recompile(k);
     std::vector<unsigned char> blank(VKP_REGEXP_HEAD_SIZE, 0);  // not a compiled pattern: status -189
@@ -61,12 +61,12 @@ TEST(RegExpPatternSet, AgainstSlotModelAndSinglePatternSearches) {
         ASSERT_EQ(size, 12 * capacity + 24);
         // Flush against the page behind it; with an odd capacity the block
         // would not be 8-byte aligned there, so the page lies in front.
-        GuardedBuffer block(size_t(size), capacity % 2 ? GuardedBuffer::Guard::Before : GuardedBuffer::Guard::After);
-        std::memset(block.data(), 0xCD, block.size());
-        auto* set = block.as<vkpRegExpMultiState>();
+        GuardedBuffer memory(size_t(size), capacity % 2 ? GuardedBuffer::Guard::Before : GuardedBuffer::Guard::After);
+        std::memset(memory.data(), 0xCD, memory.size());
+        auto* set = memory.as<vkpRegExpMultiState>();
         ASSERT_EQ(vkpsRegExpMultiInit(set, capacity), 0);
         ASSERT_EQ(set->capacity, capacity);
-        ASSERT_EQ(reinterpret_cast<unsigned char*>(set->pIds + capacity), block.data() + size);
+        ASSERT_EQ(reinterpret_cast<unsigned char*>(set->pIds + capacity), memory.data() + size);
         std::vector<Slot> model(static_cast<size_t>(capacity));
         for (int op = 0; op < 400; ++op) {
             const int id = vkptest::RandomInt(rng, -2, 5);  // duplicates and 0 on purpose
