@@ -271,6 +271,7 @@ TEST(RegExpFind, ShortcutsAgreeWithTheMatcher) {
         }
         pairs.push_back({n == 12 || n == 1500 ? "(?:" + lits + ")" : lits, "(?:" + lits + "|(?!))"});  // in a group, or not
         pairs.push_back({"\\B(?:" + lits + "){1,2}[gn]", "\\B(?:" + lits + "|(?!)){1,2}[gn]"});
+        pairs.push_back({"(?<!\\w)(?=.)(?:" + lits + ")(?!\\w)", "(?<!\\w)(?=.)(?:" + lits + "|(?!))(?!\\w)"});  // behind look-arounds
     }
     for (const char* options : {"", "i", "g", "ig"}) {
         for (const auto& [fast, plain] : pairs) {

@@ -58,11 +58,12 @@ bool FindLeadLiterals(const Instruction* prog, int count, u32 options, bool lite
     }
     for (int i = 0; i < count; ++i)
         if (prog[i].op == OP_ALT && prog[i].a == 0) return LiteralsLead(prog, 0, count, 0, options, false, out);
-    // Anchors and option settings before the group take no bytes; a repeat
-    // behind it that takes it at least once leaves its first iteration
-    // leading the match.
+    // Anchors, look-arounds and option settings before the group take no
+    // bytes; a repeat behind it that takes it at least once leaves its first
+    // iteration leading the match.
     int g = 0;
-    for (; g < count && (prog[g].op == OP_ANCHOR || prog[g].op == OP_SETFLAGS); ++g)
+    for (; g < count && (prog[g].op == OP_ANCHOR || prog[g].op == OP_SETFLAGS || IsLookaround(prog[g].op));
+         g = NextItem(prog, g))
         if (prog[g].op == OP_SETFLAGS) options = static_cast<u32>(prog[g].a);
     if (count - g < 3) return false;
     const u32 op = prog[g].op;
