@@ -43,6 +43,9 @@ public:
         return true;
     }
 
+    // The units begin with want, and nothing behind them is written.
+    bool Holds(const std::vector<T>& want) const { return head(want.size()) == want && UnwrittenFrom(want.size()); }
+
     // k units from p, read byte-wise.
     static std::vector<T> Units(const T* p, size_t k) {
         std::vector<T> v(k);

@@ -92,8 +92,7 @@ TYPED_TEST(Edit, ConcatenationsMatchReference) {
             Src<T> a(std::vector<T>(all.begin(), all.begin() + cut), pl), b(std::vector<T>(all.begin() + cut, all.end()), pl);
             GuardedDest<T> d(all.size(), pl.guard, pl.slack);
             ASSERT_EQ(Api::Concat(a.p, cut, b.p, len - cut, d.data()), 0);
-            ASSERT_EQ(d.head(all.size()), all) << len;
-            ASSERT_TRUE(d.UnwrittenFrom(all.size()));
+            ASSERT_TRUE(d.Holds(all)) << len;
 
             std::vector<int> cuts = {0, len};
             for (int k = RandomInt(rng, 0, 4); k > 0; --k) cuts.push_back(RandomInt(rng, 0, len));
@@ -110,11 +109,9 @@ TYPED_TEST(Edit, ConcatenationsMatchReference) {
             }
             GuardedDest<T> dl(all.size(), pl.guard, pl.slack), dj(joined.size(), pl.guard, pl.slack);
             ASSERT_EQ(Api::ConcatList(ptrs.data(), lens.data(), int(ptrs.size()), dl.data()), 0);
-            ASSERT_EQ(dl.head(all.size()), all);
-            ASSERT_TRUE(dl.UnwrittenFrom(all.size()));
+            ASSERT_TRUE(dl.Holds(all));
             ASSERT_EQ(Api::Join(ptrs.data(), lens.data(), int(ptrs.size()), T(';'), dj.data()), 0);
-            ASSERT_EQ(dj.head(joined.size()), joined);
-            ASSERT_TRUE(dj.UnwrittenFrom(joined.size()));
+            ASSERT_TRUE(dj.Holds(joined));
         }
     }
 }
@@ -185,14 +182,12 @@ TYPED_TEST(Edit, InsertRemoveMatchReference) {
                 ASSERT_EQ(st, 0);
                 if (form == 1) n = len + il;
                 ASSERT_EQ(n, int(inserted.size()));
-                ASSERT_EQ(b.head(inserted.size()), inserted);
-                ASSERT_TRUE(b.UnwrittenFrom(inserted.size()));
+                ASSERT_TRUE(b.Holds(inserted));
             }
 
             GuardedDest<T> r(removed.size(), pl.guard, pl.slack);
             ASSERT_EQ(Api::Remove(src.p, len, r.data(), at, cut), 0);
-            ASSERT_EQ(r.head(removed.size()), removed);
-            ASSERT_TRUE(r.UnwrittenFrom(removed.size()));
+            ASSERT_TRUE(r.Holds(removed));
             GuardedDest<T> ri(s.size(), pl.guard, pl.slack);
             ri.put(s);
             int n = len;
@@ -254,8 +249,7 @@ TYPED_TEST(Edit, TrimsMatchReference) {
                 int n = -1;
                 ASSERT_EQ(forms[f](src.p, len, st.p, setLen, d.data(), &n), 0);
                 ASSERT_EQ(n, int(want.size())) << "form " << f << " len " << len << " set " << setLen;
-                ASSERT_EQ(d.head(want.size()), want);
-                ASSERT_TRUE(d.UnwrittenFrom(want.size()));
+                ASSERT_TRUE(d.Holds(want));
             }
             // One unit: copying, copying onto itself (the 8u hand-over), in place.
             const T unit = s.empty() ? T('a') : s[0];
@@ -264,8 +258,7 @@ TYPED_TEST(Edit, TrimsMatchReference) {
             int n = -1;
             ASSERT_EQ(Api::TrimC(src.p, len, unit, d.data(), &n), 0);
             ASSERT_EQ(n, int(want.size()));
-            ASSERT_EQ(d.head(want.size()), want);
-            ASSERT_TRUE(d.UnwrittenFrom(want.size()));
+            ASSERT_TRUE(d.Holds(want));
             for (int inPlace = 0; inPlace < 2; ++inPlace) {
                 std::vector<T> b = s;
                 b.push_back(T(0));  // never empty: a valid pointer for len 0

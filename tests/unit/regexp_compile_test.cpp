@@ -287,16 +287,26 @@ TEST(RegExpObject, SizeSettersAndInitAlloc) {
     EXPECT_EQ(vkpsRegExpGetSize("\xC3\xA9x", &size), 0);  // bytes, not characters
     EXPECT_EQ(size, 3 * 24 + 48056);
 
-    std::vector<unsigned char> block(48056 + 24 * 8);
+    std::vector<unsigned char> block(48056 + 24 * 32);
     auto* st = reinterpret_cast<vkpRegExpState*>(block.data());
     int offset = 123;
-    ASSERT_EQ(vkpsRegExpInit("ab(c)", nullptr, st, &offset), 0);
+    ASSERT_EQ(vkpsRegExpInit("ab(cd|e\\.f)ghi+", nullptr, st, &offset), 0);
     EXPECT_EQ(offset, 123);  // untouched on success
+    // The literal bytes lie behind the last instruction, in program order.
+    const auto* prog = reinterpret_cast<const vkpRegExpInstruction*>(block.data() + VKP_REGEXP_HEAD_SIZE);
+    const auto* literals = reinterpret_cast<const unsigned char*>(prog + st->instructionCount);
+    std::string seen;
+    for (int i = 0; i < st->instructionCount; ++i) {
+        if (prog[i].op != vkp::OP_STRING) continue;
+        EXPECT_EQ(static_cast<const unsigned char*>(prog[i].d), literals + seen.size());
+        seen.append(static_cast<const char*>(prog[i].d), size_t(prog[i].b));
+    }
+    EXPECT_EQ(seen, "abcde.fgh");
     EXPECT_EQ(vkpsRegExpSetMatchLimit(0, st), 0);
     EXPECT_EQ(st->matchLimit, 0);
     EXPECT_EQ(vkpsRegExpSetFormat(0, st), 0);
     EXPECT_EQ(st->format, vkp::kFormatBytes);
-    ASSERT_EQ(vkpsRegExpInit("ab(c)", "g", st, &offset), 0);  // a new compile resets both
+    ASSERT_EQ(vkpsRegExpInit("ab(cd|e\\.f)ghi+", "g", st, &offset), 0);  // a new compile resets both
     EXPECT_EQ(st->matchLimit, 10000);
     EXPECT_EQ(st->format, vkp::kFormatUtf8);
 
@@ -309,23 +319,6 @@ TEST(RegExpObject, SizeSettersAndInitAlloc) {
     EXPECT_EQ(vkpsRegExpInitAlloc("a{2,1}", "", &alloc, &offset), VKP_ERR_QUANTIFIER);
     EXPECT_EQ(alloc, nullptr);
     EXPECT_EQ(offset, 4);
-}
-
-// The literal bytes lie behind the last instruction, in program order.
-TEST(RegExpObject, LiteralBytesFollowTheProgram) {
-    std::vector<unsigned char> block(48056 + 24 * 32);
-    auto* st = reinterpret_cast<vkpRegExpState*>(block.data());
-    int offset = 0;
-    ASSERT_EQ(vkpsRegExpInit("ab(cd|e\\.f)ghi+", "", st, &offset), 0);
-    const auto* prog = reinterpret_cast<const vkpRegExpInstruction*>(block.data() + VKP_REGEXP_HEAD_SIZE);
-    const auto* literals = reinterpret_cast<const unsigned char*>(prog + st->instructionCount);
-    std::string seen;
-    for (int i = 0; i < st->instructionCount; ++i) {
-        if (prog[i].op != vkp::OP_STRING) continue;
-        EXPECT_EQ(static_cast<const unsigned char*>(prog[i].d), literals + seen.size());
-        seen.append(static_cast<const char*>(prog[i].d), size_t(prog[i].b));
-    }
-    EXPECT_EQ(seen, "abcde.fgh");
 }
 
 }  // namespace

@@ -125,8 +125,11 @@ TEST(RegExpArguments, ChecksInOrderWriteNothing) {
     vkpsRegExpMultiFree(set);
 }
 
-// Result codes and records of single and global searches.
+// Result codes and records of single and global searches. Format 1 (the
+// default) moves start positions by whole UTF-8 characters, format 0 by
+// bytes; a bad sequence advances by one byte.
 TEST(RegExpFind, Searches) {
+    const std::string e = "\xc3\xa9";  // the second byte alone is 0xA9
     const struct {
         const char* pattern;
         const char* options;
@@ -134,6 +137,7 @@ TEST(RegExpFind, Searches) {
         int capacity;
         vkpStatus status;
         Spans records;
+        int format = 1;
     } cases[] = {
         // Single: the count becomes the number of groups, or the warning.
         {"(a)(b)?(c)", "", "xac", 1, VKP_WARN_FEW_RECORDS, {{1, 2}}},
@@ -157,32 +161,20 @@ TEST(RegExpFind, Searches) {
         {"(?=a)|a", "g", "ab", 8, 0, {{0, 0}, {0, 1}}},
         {"(?=a)|a", "g", "ba", 8, 0, {{1, 0}, {1, 1}}},
         {"q", "g", "abc", 8, 0, {}},
+        // Start positions by the format.
+        {"[\xa9]", "", e, 8, 0, {}},
+        {"[\xa9]", "", e, 8, 0, {{1, 1}}, 0},
+        {"x*", "g", e + "\xe2\x82\xac", 8, 0, {{0, 0}, {2, 0}, {5, 0}}},
+        {"x*", "g", e, 8, 0, {{0, 0}, {1, 0}, {2, 0}}, 0},
+        {"b", "", "\xe2\x82" "b", 8, 0, {{2, 1}}},
     };
     for (const auto& c : cases) {
         CompiledRegExp re(c.pattern, c.options);
+        ASSERT_EQ(vkpsRegExpSetFormat(c.format, re.state()), 0);
         const vkptest::SearchResult r = re.Search(c.subject, c.capacity);
         EXPECT_EQ(r.status, c.status) << c.pattern;
-        EXPECT_EQ(r.records, c.records) << c.pattern << " on " << c.subject;
+        EXPECT_EQ(r.records, c.records) << c.pattern << " on " << c.subject << " format " << c.format;
     }
-}
-
-// Format 1 (the default) moves start positions by whole UTF-8 characters,
-// format 0 by bytes.
-TEST(RegExpFind, StartPositionsFollowTheFormat) {
-    const std::string e = "\xc3\xa9";  // the second byte alone is 0xA9
-    CompiledRegExp tail("[\xa9]");
-    EXPECT_TRUE(tail.Search(e).records.empty());
-    ASSERT_EQ(vkpsRegExpSetFormat(0, tail.state()), 0);
-    EXPECT_EQ(tail.Search(e).records, (Spans{{1, 1}}));
-
-    CompiledRegExp empty("x*", "g");
-    EXPECT_EQ(empty.Search(e + "\xe2\x82\xac").records, (Spans{{0, 0}, {2, 0}, {5, 0}}));
-    ASSERT_EQ(vkpsRegExpSetFormat(0, empty.state()), 0);
-    EXPECT_EQ(empty.Search(e).records, (Spans{{0, 0}, {1, 0}, {2, 0}}));
-
-    // A bad sequence advances by one byte.
-    CompiledRegExp b("b");
-    EXPECT_EQ(b.Search("\xe2\x82" "b").records, (Spans{{2, 1}}));
 }
 
 // The driver's shortcuts (literal narrowing, start filters, the required
@@ -343,19 +335,12 @@ TEST(RegExpFind, NoReadBeyondTheSubject) {
         CompiledRegExp re(p);
         ASSERT_EQ(re.status(), 0) << p;
         for (const std::string& t : tails) {
-            vkptest::GuardedBuffer buf(t.size(), vkptest::GuardedBuffer::Guard::After, 1);
-            std::memcpy(buf.data(), t.data(), t.size());
-            buf.data()[t.size()] = 'b';
-            vkpRegExpFind m[4];
-            int n = 4;
-            const vkpStatus st = vkpsRegExpFind_8u(buf.data(), int(t.size()), re.state(), m, &n);
-            EXPECT_GE(st, 0) << p;
+            const std::string tb = t + "b";
+            vkptest::GuardedBuffer buf(tb.size(), vkptest::GuardedBuffer::Guard::After);
+            const auto got = re.SearchAt(buf.fill(reinterpret_cast<const vkp8u*>(tb.data()), tb.size()), int(t.size()), 4);
+            EXPECT_GE(got.status, 0) << p;
             // The same search over an ordinary copy gives the same records.
-            const auto plain = re.Search(t + "b", 4, int(t.size()));
-            ASSERT_EQ(size_t(n), plain.records.size()) << p << " on " << t;
-            for (int i = 0; i < n; ++i)
-                EXPECT_EQ((Span{m[i].pMatch ? long(m[i].pMatch - buf.data()) : -1L, m[i].matchLen}),
-                          plain.records[size_t(i)]);
+            EXPECT_EQ(got.records, re.Search(tb, 4, int(t.size())).records) << p << " on " << t;
         }
     }
 }

@@ -258,16 +258,4 @@ TEST(RegExpReplace, AgainstSplicedFindResults) {
     EXPECT_GT(resumed, 1000);
 }
 
-// Fewer records than groups: the warning, and $2 writes nothing.
-TEST(RegExpReplace, FewRecords) {
-    CompiledRegExp re("(a)(b)?", "");
-    Template t("[$2$1]");
-    vkp8u dst[16];
-    vkpRegExpFind m[2];
-    int srcLen = 4, dstLen = 16, n = 2;
-    EXPECT_EQ(vkpsRegExpReplace_8u(U("xaby"), &srcLen, dst, &dstLen, m, &n, re.state(), t.state()), VKP_WARN_FEW_RECORDS);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(dst), size_t(dstLen)), "x[a]y");
-    EXPECT_EQ(srcLen, 4);
-}
-
 }  // namespace
