@@ -275,6 +275,8 @@ VKPCH_API vkpStatus vkpsConvertUTF_16u8u(const vkp16u* pSrc, int* pSrcLen, vkp8u
  * instructionCount 24-byte vkpRegExpInstruction records, and behind it the
  * literal bytes that string instructions point at. A block is usable after
  * a successful vkpsRegExpInit only; one block serves one thread at a time.
+ * A copy made for another thread must be the whole block: a search may keep
+ * what it works out from the program in the room behind the literal bytes.
  * ------------------------------------------------------------------------- */
 
 #define VKP_REGEXP_MAGIC      0x78456772u

@@ -167,11 +167,11 @@ bool GrepPatterns::JoinPlainPatterns(const GrepSettings& s) {
     if (s.patterns.size() < 2 || s.line) return false;
     // Patterns that begin and end with a word byte are bounded by \b, which
     // the search looks through for the literals behind it.
+    const auto isWord = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; };
     bool wordEnds = true;
     for (const std::string& p : s.patterns) {
         if (p.empty() || Escape(p) != p || (extended && p.find(' ') != std::string::npos)) return false;
-        const auto isWord = [](unsigned char c) { return std::isalnum(c) || c == '_'; };
-        wordEnds &= isWord(static_cast<unsigned char>(p.front())) && isWord(static_cast<unsigned char>(p.back()));
+        wordEnds &= isWord(p.front()) && isWord(p.back());
     }
     for (size_t first = 0; first < s.patterns.size(); first += kJoinedPatterns) {
         std::string body;
